@@ -1,0 +1,39 @@
+#pragma once
+// What every subsystem shares for the whole run: the folders, the settings
+// record, the prompts and the clock, plus the program-wide busy and outcome
+// values that let compiling, database building and F2 coordinate.
+#include "app/Clock.h"
+#include "app/Paths.h"
+#include "app/Prompts.h"
+#include "app/Settings.h"
+#include <QObject>
+
+namespace kvr {
+
+enum class BusyState { Idle = 0, Compiling = 1, BuildingDatabase = 2 };
+enum class CompileOutcome { Running = 0, Error = 1, NotResponding = 2, HaltRequested = 3 };
+
+class AppContext : public QObject {
+    Q_OBJECT
+public:
+    AppContext(const Paths &paths, Prompts &prompts, Clock &clock, QObject *parent = nullptr);
+
+    Paths paths;
+    Settings settings;
+    Prompts &prompts;
+    Clock &clock;
+    BusyState busyState = BusyState::Idle;
+    CompileOutcome compileOutcome = CompileOutcome::Running;
+
+    void ReadSettings();
+    // Writes the whole record; a failed write is reported once per run.
+    void WriteSettings();
+
+signals:
+    void SettingsWritten();
+
+private:
+    bool m_writeFailureShown = false;
+};
+
+} // namespace kvr

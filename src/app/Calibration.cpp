@@ -1,0 +1,38 @@
+#include "app/Calibration.h"
+
+namespace kvr {
+
+DelayPair DelaysFromElapsed(qint64 elapsedMs)
+{
+    if (elapsedMs == 0)
+        elapsedMs = 1;
+    DelayPair d{6600000 / elapsedMs, 66000000 / elapsedMs};
+    if (d.delay4410 < 0)
+        d.delay4410 = 0;
+    if (d.delay6630 < 0)
+        d.delay6630 = 0;
+    return d;
+}
+
+void CalibrationLoop()
+{
+    volatile quint16 outer = 0;
+    while (outer <= 1600) {
+        volatile quint16 inner = 1;
+        while (inner <= 30000)
+            inner = static_cast<quint16>(inner + 1);
+        outer = static_cast<quint16>(outer + 1);
+    }
+}
+
+void CalibrateDelay(Settings &settings, Clock &clock)
+{
+    const quint32 start = clock.TickCount();
+    CalibrationLoop();
+    const quint32 end = clock.TickCount();
+    const DelayPair d = DelaysFromElapsed(static_cast<qint32>(end - start));
+    settings.delay4410 = QString::number(d.delay4410);
+    settings.delay6630 = QString::number(d.delay6630);
+}
+
+} // namespace kvr

@@ -1,0 +1,24 @@
+#pragma once
+// Measures how fast this machine runs the empty loop that paces characters
+// to the board, and derives both intercharacter delays from it.
+#include "app/Clock.h"
+#include "app/Settings.h"
+
+namespace kvr {
+
+struct DelayPair {
+    qint64 delay4410;
+    qint64 delay6630;
+};
+
+// The arithmetic alone: elapsed milliseconds to both delays.
+DelayPair DelaysFromElapsed(qint64 elapsedMs);
+
+// Runs the timed loops against `clock` and stores both delays.
+void CalibrateDelay(Settings &settings, Clock &clock);
+
+// The empty counting loop of the calibration: 1601 outer passes around
+// 30000 inner ones, on counters the optimiser cannot remove.
+void CalibrationLoop();
+
+} // namespace kvr

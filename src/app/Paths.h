@@ -1,0 +1,35 @@
+#pragma once
+// The folders the program works with. `WindowsFolder` holds the settings and
+// lock files; the program folder holds SELECTED.KVR, the templates and the
+// board-side programs, seeded from the installation's data on first start.
+#include <QString>
+
+namespace kvr {
+
+class Paths {
+public:
+    // `settingsDir` empty: the per-user configuration and data folders.
+    // Otherwise everything lives below `settingsDir`, so several set-ups
+    // and portable installs can coexist.
+    explicit Paths(const QString &settingsDir = QString());
+
+    QString WindowsFolder() const { return m_windows; }   // trailing '/'
+    QString ProgramFolder() const { return m_program; }   // trailing '/'
+    QString KvrHomeFolder() const { return m_kvrHome; }   // trailing '/'
+    QString InstallDataFolder() const;                     // trailing '/'
+    QString ExamplesFolder() const;                        // trailing '/'
+
+    QString SettingsFile() const;
+    QString LockFile() const;
+
+    // Creates the folders and copies the shipped board programs and
+    // templates into the program folder where they are missing.
+    void Prepare() const;
+
+private:
+    QString m_windows;
+    QString m_program;
+    QString m_kvrHome;
+};
+
+} // namespace kvr

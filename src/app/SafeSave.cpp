@@ -1,0 +1,74 @@
+#include "app/SafeSave.h"
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <cerrno>
+#include <cstring>
+
+namespace kvr {
+
+namespace {
+
+FileError Classify(int err)
+{
+    switch (err) {
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EINVAL:
+    case ENAMETOOLONG:
+    case EISDIR:
+        return FileError::NameOrWriteProtected;
+    case ENOENT:
+    case ENOTDIR:
+        return FileError::PathNotFound;
+    case ENOSPC:
+    case EFBIG:
+    case EDQUOT:
+        return FileError::DiskFull;
+    default:
+        return FileError::Other;
+    }
+}
+
+SaveResult Failure(int err)
+{
+    return {Classify(err), QString::fromLocal8Bit(std::strerror(err))};
+}
+
+} // namespace
+
+SaveResult SaveWholeFile(const QString &path, const QByteArray &bytes)
+{
+    const QFileInfo info(path);
+    if (info.fileName().isEmpty())
+        return Failure(EINVAL);
+    if (!info.absoluteDir().exists())
+        return Failure(ENOENT);
+    if (info.exists() && !info.isWritable())
+        return Failure(EACCES);
+
+    // Unbuffered, so a short write (disk full) is seen here rather than
+    // lost inside a flush that still reports success.
+    QSaveFile file(path);
+    errno = 0;
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return Failure(errno ? errno : EACCES);
+    qint64 done = 0;
+    while (done < bytes.size()) {
+        errno = 0;
+        const qint64 n = file.write(bytes.constData() + done, bytes.size() - done);
+        if (n <= 0) {
+            const int err = errno ? errno : ENOSPC;
+            file.cancelWriting();
+            return Failure(err);
+        }
+        done += n;
+    }
+    errno = 0;
+    if (!file.commit())
+        return Failure(errno ? errno : EIO);
+    return {};
+}
+
+} // namespace kvr

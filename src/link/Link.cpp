@@ -1,0 +1,110 @@
+#include "link/Link.h"
+#include "app/Text.h"
+
+namespace kvr {
+
+void SpinDelay(qint64 lastPass)
+{
+    volatile qint64 counter = 0;
+    while (counter <= lastPass)
+        counter = counter + 1;
+}
+
+qint64 Link::CurrentDelay() const
+{
+    const Settings &s = m_context.settings;
+    const QString &value = s.computerType.left(4) == QLatin1String("6630") ? s.delay6630 : s.delay4410;
+    return static_cast<qint64>(Val(value));
+}
+
+void Link::SendText(const QString &text, bool addCR)
+{
+    if (!Usable())
+        return;
+    const QByteArray bytes = text.toLatin1();
+    const qint64 delay = CurrentDelay();
+    if (delay != 0) {
+        const qint64 lastPass = static_cast<qint64>(delay * 8.5);
+        for (char c : bytes) {
+            SpinDelay(lastPass);
+            m_transport->Write(QByteArray(1, c));
+        }
+        SpinDelay(lastPass);
+    } else if (!bytes.isEmpty()) {
+        m_transport->Write(bytes);
+    }
+    if (addCR && Usable())
+        m_transport->Write(QByteArray(1, '\r'));
+}
+
+int Link::BytesAvailable()
+{
+    return m_transport ? m_transport->Available() : 0;
+}
+
+QByteArray Link::ReadBytes()
+{
+    return m_transport ? m_transport->TakeAll() : QByteArray();
+}
+
+QString Link::BytesToText(const QByteArray &bytes)
+{
+    return QString::fromLatin1(bytes);
+}
+
+void Link::ClearInput()
+{
+    if (m_transport)
+        m_transport->DiscardInput();
+}
+
+void Link::WaitForReply()
+{
+    Clock &clock = m_context.clock;
+    const quint32 deadline = clock.TickCount() + static_cast<quint32>(Val(m_context.settings.timeout));
+    while (TickBefore(clock.TickCount(), deadline)) {
+        if (BytesAvailable() >= 1) {
+            const QByteArray bytes = ReadBytes();
+            for (char c : bytes)
+                if (static_cast<unsigned char>(c) <= 12)
+                    return;
+        }
+    }
+    NotResponding();
+}
+
+void Link::Pause(double seconds)
+{
+    Clock &clock = m_context.clock;
+    const float target = static_cast<float>(clock.SecondsSinceMidnight() + seconds);
+    while (static_cast<float>(clock.SecondsSinceMidnight()) < target) {
+    }
+}
+
+void Link::BeepUnlessQuiet()
+{
+    if (m_context.settings.quiet.left(3) == QLatin1String("OFF"))
+        m_context.prompts.Beep();
+}
+
+QString Link::NotRespondingText(const QString &computerType)
+{
+    const QChar lf(10);
+    return QStringLiteral("KVR") + computerType + QStringLiteral(" NOT RESPONDING.  Please Check:") + lf + lf
+           + QStringLiteral("1. power supply") + lf
+           + QStringLiteral("2. connections to PC") + lf
+           + QStringLiteral("3. COM port selection from ") + QStringLiteral("interactive window options menu.") + lf
+           + QStringLiteral("4. Baud rate from interactive window options ")
+           + QStringLiteral("menu (KVR4410 & KVR6630 default to 9600 baud)") + lf
+           + QStringLiteral("5. Timeout delay from ") + QStringLiteral("interactive window options menu.") + lf + lf
+           + QStringLiteral("If characters are missing, especially during ")
+           + QStringLiteral("compilation, increase intercharacter ")
+           + QStringLiteral("delay from interactive window options menu.");
+}
+
+void Link::NotResponding()
+{
+    m_context.prompts.Message(NotRespondingText(m_context.settings.computerType), PromptIcon::Exclamation);
+}
+
+} // namespace kvr
