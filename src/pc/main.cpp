@@ -7,6 +7,7 @@
 #include "pc/CommandLine.h"
 #include "pc/MainAssembly.h"
 #include <QApplication>
+#include <QFile>
 #include <QTimer>
 #include <cstdio>
 
@@ -44,7 +45,12 @@ int main(int argc, char *argv[])
     kvr::frmMDI frame(context);
     prompts.SetParent(&frame);
     const QString lockFile = context.paths.LockFile();
-    QObject::connect(&frame, &kvr::frmMDI::Closing, [lockFile] { kvr::ReleaseLock(lockFile); });
+    const QString selected = context.paths.ProgramFolder() + QStringLiteral("SELECTED.KVR");
+    QObject::connect(&frame, &kvr::frmMDI::Closing, [lockFile, selected] {
+        // The compiled selection is scratch: it goes with the session.
+        QFile::remove(selected);
+        kvr::ReleaseLock(lockFile);
+    });
     kvr::MainAssembly assembly(context, frame, commandLine);
     frame.show();
     QTimer::singleShot(0, &assembly, &kvr::MainAssembly::Start);
