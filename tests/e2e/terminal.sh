@@ -1,50 +1,68 @@
 #!/usr/bin/env bash
-# The terminal on the simulated board: keys typed into the interactive
-# window reach the board, and its answer is painted; the capture file
-# records what the screen showed.
+# The terminal on the simulated board, over TCP and over a serial port (the
+# board's pseudo-terminal): keys typed into the interactive window reach the
+# board, and its answer is painted; the capture file records what arrived.
 source "$(dirname "$0")/lib.sh"
 
+# capture_answer FRAME NAME: starts a capture, types "2 3 + ." and Enter in
+# the terminal, waits for the answer 5 in the capture, takes a screenshot
+# and stops the capture without displaying it.
+capture_answer() {
+    local frame=$1 name=$2
+    local capture="$E2E_DIR/$name.cap"
+    keys "$frame" alt+f
+    sleep 0.3
+    keys "$frame" c
+    wait_window 10 '^Capture to file$' >/dev/null
+    sleep 0.3
+    xdotool key --delay 20 ctrl+a
+    xdotool type --delay 10 "$capture"
+    xdotool key Return
+    keys "$(wait_window 10 '^KVR-PC for Windows$')" Return
+    wait_until 10 test -f "$capture" || fail "$name: capture file not created"
+
+    # The terminal has the focus again after the dialogs.
+    xdotool windowactivate --sync "$frame" 2>/dev/null || true
+    xdotool type --delay 40 "2 3 + ."
+    xdotool key Return
+    wait_until 10 grep -q '2 3 + \. 5  ok' "$capture" \
+        || fail "$name: no answer 5 in the capture: $(cat -v "$capture")"
+    screenshot "$name"
+
+    keys "$frame" alt+f
+    sleep 0.3
+    keys "$frame" c
+    keys "$(wait_window 10 '^KVR-PC for Windows$')" Escape
+}
+
+exit_pc() {
+    keys "$1" alt+f
+    sleep 0.3
+    keys "$1" x
+    wait_exit 10 "$PC_PID" || fail "kvr-pc did not exit"
+}
+
 start_display
+
+# Over TCP, to the board given for this run.
 start_board
 start_pc --simulator "127.0.0.1:$BOARD_PORT"
-
-# The connect message of the TCP link.
-connected=$(wait_window 20 '^KVR-PC for Windows$')
-keys "$connected" Return
+keys "$(wait_window 20 '^KVR-PC for Windows$')" Return   # "Connected to IP address ..."
 frame=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - IP addresss 127.0.0.1 port [0-9]+ - connected$')
+capture_answer "$frame" tcp
+exit_pc "$frame"
 
-# Capture to file: the save dialog, then the confirmation.
-capture="$E2E_DIR/session.cap"
-keys "$frame" alt+f
-sleep 0.3
-keys "$frame" c
-dialog=$(wait_window 10 '^Capture to file$')
-sleep 0.3
-xdotool key --delay 20 ctrl+a
-xdotool type --delay 10 "$capture"
-xdotool key Return
-confirm=$(wait_window 10 '^KVR-PC for Windows$')
-keys "$confirm" Return
-wait_until 10 test -f "$capture" || fail "capture file not created"
-
-# Type into the terminal (it has the focus after the dialogs) and wait for
-# the board's answer in what the screen received.
-xdotool windowactivate --sync "$frame" 2>/dev/null || true
-xdotool type --delay 40 "2 3 + ."
-xdotool key Return
-wait_until 10 grep -q '2 3 + \. 5 ' "$capture" || fail "no answer 5 in the capture: $(cat -v "$capture")"
-screenshot answer
-
-# Stop capturing and decline to display it.
-keys "$frame" alt+f
-sleep 0.3
-keys "$frame" c
-question=$(wait_window 10 '^KVR-PC for Windows$')
-keys "$question" Escape
-grep -q ' ok' "$capture" || fail "no ok in the capture: $(cat -v "$capture")"
-
-keys "$frame" alt+f
-sleep 0.3
-keys "$frame" x
-wait_exit 10 "$PC_PID" || fail "kvr-pc did not exit"
+# Over a serial port: COM5 bound to the board's pseudo-terminal.
+"$KVR_BIN_DIR/kvr-board" --pty >"$E2E_DIR/pty.out" 2>"$E2E_DIR/pty.err" &
+E2E_PIDS+=($!)
+wait_until 10 grep -q '^pty ' "$E2E_DIR/pty.out" || fail "kvr-board --pty did not start"
+pty=$(sed -n 's/^pty //p' "$E2E_DIR/pty.out")
+SETTINGS_DIR="$E2E_DIR/serial-settings"
+mkdir -p "$SETTINGS_DIR"
+printf '[Parameters]\r\nCommunications port=COM5\r\nOpening dialogue=OFF\r\nIntercharacter delay - KVR4410=0\r\nIntercharacter delay - KVR6630=0\r\n[Serial devices]\r\nCOM5=%s\r\n' \
+    "$pty" >"$SETTINGS_DIR/KVR-PC.INI"
+start_pc
+frame=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM5$')
+capture_answer "$frame" serial
+exit_pc "$frame"
 echo "terminal: ok"
