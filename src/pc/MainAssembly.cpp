@@ -61,7 +61,6 @@ void MainAssembly::InstallTerminal()
             }
     });
     window->show();
-    m_terminal->Load();
 }
 
 void MainAssembly::InstallCompiler()
@@ -93,7 +92,11 @@ void MainAssembly::ConnectToBoard()
             return;
         m_link->Pause(0.8);
     }
+    // No port open: nothing to greet (the open has said why already).
+    if (!m_link->CurrentTransport() || !m_link->CurrentTransport()->IsUsable())
+        return;
     SendStartupCommands(*m_link, m_terminal->Logic());
+    m_terminal->BringForward();
 }
 
 void MainAssembly::ShowOpeningDialogue()
@@ -122,6 +125,8 @@ void MainAssembly::ShowOpeningDialogue()
 
 void MainAssembly::Start()
 {
+    // The terminal's load handler opens the configured link first.
+    m_terminal->Load();
     OpenFirstEditorWindow();
     if (!m_commandLine.simulatorHost.isEmpty())
         ConnectToBoard();
