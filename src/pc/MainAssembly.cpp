@@ -1,0 +1,143 @@
+#include "pc/MainAssembly.h"
+#include "app/BoardChoice.h"
+#include "app/ui/frmComputer.h"
+#include "app/ui/frmMDI.h"
+#include "link/Link.h"
+#include "link/StartupCommands.h"
+#include "link/ui/frmEmulator.h"
+#include "link/ui/frmRemote.h"
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QCoreApplication>
+#include <QPlainTextEdit>
+
+namespace kvr {
+
+MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLine &commandLine)
+    : QObject(&frame), m_context(context), m_frame(frame), m_commandLine(commandLine),
+      m_link(std::make_unique<Link>(context))
+{
+    InstallTerminal();
+    InstallEditors();
+    InstallCompiler();
+    connect(&m_frame, &frmMDI::PortRequested, this, &MainAssembly::SwitchPort);
+}
+
+void MainAssembly::InstallEditors()
+{
+}
+
+void MainAssembly::InstallTerminal()
+{
+    m_terminal = new frmEmulator(m_context, *m_link);
+    QMdiSubWindow *window = m_frame.MdiArea()->addSubWindow(m_terminal);
+    window->setWindowTitle(m_terminal->windowTitle());
+    window->resize(m_terminal->sizeHint() + QSize(8, 30));
+    LinkController &controller = m_terminal->Controller();
+    Terminal &terminal = m_terminal->Logic();
+    // A simulated board for this run is reached without a heartbeat.
+    if (!m_commandLine.simulatorHost.isEmpty())
+        controller.Tcp().SetHeartbeatPort(0);
+    m_frame.SetTcpConnectedProvider([&controller] { return controller.IsTcpConnected(); });
+    connect(&controller, &LinkController::PortChanged, &m_frame, &frmMDI::UpdateTicks);
+    connect(&controller, &LinkController::CaptionChanged, &m_frame, &frmMDI::UpdateCaption);
+    connect(m_frame.Item(QStringLiteral("mnuFCapture")), &QAction::triggered, &terminal, &Terminal::ToggleCapture);
+    connect(m_frame.Item(QStringLiteral("mnuZap")), &QAction::triggered, &terminal, &Terminal::Zap);
+    connect(m_frame.Item(QStringLiteral("mnuOCapsLock")), &QAction::triggered, &terminal, &Terminal::ToggleCapsLock);
+    connect(m_frame.Item(QStringLiteral("mnuIP")), &QAction::triggered, this, [this] {
+        frmRemote dialog(m_context, m_terminal->Controller(), &m_frame);
+        dialog.exec();
+    });
+    connect(&terminal, &Terminal::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    connect(&terminal, &Terminal::FocusEditorRequested, this, [this] {
+        const QList<QMdiSubWindow *> windows = m_frame.MdiArea()->subWindowList(QMdiArea::ActivationHistoryOrder);
+        for (auto it = windows.rbegin(); it != windows.rend(); ++it)
+            if ((*it)->widget() != m_terminal && (*it)->isVisible()) {
+                m_frame.MdiArea()->setActiveSubWindow(*it);
+                return;
+            }
+    });
+    window->show();
+    m_terminal->Load();
+}
+
+void MainAssembly::InstallCompiler()
+{
+}
+
+void MainAssembly::OpenFirstEditorWindow()
+{
+    auto *editor = new QPlainTextEdit;
+    editor->setObjectName(QStringLiteral("frmNotePad"));
+    QMdiSubWindow *window = m_frame.MdiArea()->addSubWindow(editor);
+    window->setWindowTitle(QStringLiteral("Source code 1"));
+    window->show();
+}
+
+void MainAssembly::SwitchPort(int port)
+{
+    m_terminal->Controller().SelectPort(port);
+}
+
+void MainAssembly::ConnectToBoard()
+{
+    LinkController &controller = m_terminal->Controller();
+    if (m_context.settings.IsTcpMode()) {
+        if (!controller.IsTcpConnected())
+            controller.ConnectRemote();
+        QCoreApplication::processEvents();
+        if (!controller.IsTcpConnected())
+            return;
+        m_link->Pause(0.8);
+    }
+    SendStartupCommands(*m_link, m_terminal->Logic());
+}
+
+void MainAssembly::ShowOpeningDialogue()
+{
+    frmOpening dialog(m_context.settings, &m_frame);
+    const int outcome = dialog.exec();
+    const QString showAgain = dialog.ShowAgain() ? QStringLiteral("ON") : QStringLiteral("OFF");
+    const bool showChanged = showAgain != m_context.settings.openingDialogue;
+    m_context.settings.openingDialogue = showAgain;
+    if (outcome == frmOpening::Skip) {
+        if (showChanged)
+            m_context.WriteSettings();
+        return;
+    }
+    const BoardChoice choice = dialog.Choice();
+    const bool switchLink = ApplyBoardChoice(m_context.settings, choice);
+    m_context.WriteSettings();
+    if (switchLink)
+        SwitchPort(choice.port);
+    else
+        ConnectToBoard();
+    if (outcome == frmOpening::OpenFile)
+        if (QAction *open = m_frame.Item(QStringLiteral("mnuFOpen")))
+            open->trigger();
+}
+
+void MainAssembly::Start()
+{
+    OpenFirstEditorWindow();
+    if (!m_commandLine.simulatorHost.isEmpty())
+        ConnectToBoard();
+    else if (m_context.settings.openingDialogue != QLatin1String("OFF"))
+        ShowOpeningDialogue();
+    else
+        ConnectToBoard();
+    if (m_context.settings.wordsDatabase == NotUsed) {
+        const QString current = m_context.settings.currentFile;
+        m_context.settings.wordsDatabase =
+            current.left(8) == QLatin1String("Not Used")
+                ? m_context.paths.ProgramFolder() + QStringLiteral("KVR-PC.MDB")
+                : current.left(current.size() - 4) + QStringLiteral(".MDB");
+    }
+    m_frame.UpdateCaption();
+    m_frame.UpdateMenuState();
+}
+
+} // namespace kvr
