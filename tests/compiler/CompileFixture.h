@@ -3,12 +3,14 @@
 // in-memory board, and fakes for the terminal window and the editor pool.
 #include "app/AppContext.h"
 #include "app/ScriptedPrompts.h"
+#include "app/Text.h"
 #include "compiler/CompileDriver.h"
 #include "compiler/CompileReport.h"
 #include "editor/EditorHost.h"
 #include "link/Link.h"
 #include "link/MemoryTransport.h"
 #include "link/TerminalHost.h"
+#include "TempDir.h"
 #include "TestClock.h"
 #include <QMap>
 #include <QTemporaryDir>
@@ -61,7 +63,7 @@ public:
     {
         loaded.append(name);
         if (loadCreatesWindow)
-            windows.insert(windows.size() + 1, {name, loadText, 0, 0});
+            windows.insert(windows.size() + 1, {name.toUpper(), loadText, 0, 0});
     }
     void SaveBeforeCompile(int index) override { savedFrom.append(index); }
     bool ShowLine(const QString &caption, int lineNumber) override
