@@ -1,0 +1,35 @@
+#pragma once
+// Creates the subsystems of the windowed program and connects them to the
+// frame's menus and to each other.
+#include "app/AppContext.h"
+#include "pc/CommandLine.h"
+#include <QObject>
+
+namespace kvr {
+
+class frmMDI;
+
+class MainAssembly : public QObject {
+    Q_OBJECT
+public:
+    MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLine &commandLine);
+
+    // Start-up from the first editor window on: the windows, the opening
+    // dialogue or the board's start-up commands, the caption.
+    void Start();
+
+private:
+    void InstallEditors();
+    void InstallTerminal();
+    void InstallCompiler();
+    void OpenFirstEditorWindow();
+    void ShowOpeningDialogue();
+    void SwitchPort(int port);
+    void ConnectToBoard();
+
+    AppContext &m_context;
+    frmMDI &m_frame;
+    PcCommandLine m_commandLine;
+};
+
+} // namespace kvr
