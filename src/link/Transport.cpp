@@ -6,6 +6,9 @@ int Transport::Available()
 {
     if (!IsUsable())
         return 0;
+    BeforeCount();
+    if (!IsUsable())
+        return 0;
     Poll();
     return static_cast<int>(m_received.size());
 }

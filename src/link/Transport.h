@@ -30,6 +30,9 @@ signals:
 protected:
     // Appends newly arrived bytes to m_received; must not block.
     virtual void Poll() = 0;
+    // Runs before Available() counts; the TCP link yields to the event loop
+    // here, once, so that socket data can arrive during a wait.
+    virtual void BeforeCount() {}
     QByteArray m_received;
 };
 
