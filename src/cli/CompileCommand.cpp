@@ -233,6 +233,9 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
                          port, qPrintable(error));
             return ExitLink;
         }
+        // Nagle's algorithm would hold each line's carriage return back until
+        // the board acknowledged the text: 40 ms per line.
+        tcp->Client().setSocketOption(QAbstractSocket::LowDelayOption, 1);
         transport = std::move(tcp);
     } else {
         auto serial = std::make_unique<SerialTransport>();

@@ -192,6 +192,11 @@ void LineEngine::BoardLine(QString line)
         complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();
         if (complete || !TickBefore(clock.TickCount(), deadline))
             break;
+        // F2 handled while waiting (the TCP link yields here) sends the
+        // interrupt, whose own wait takes this line's reply: stop at once
+        // and let the halt test end the run.
+        if (m_context.compileOutcome == CompileOutcome::HaltRequested)
+            return;
     }
 
     if (!complete) {

@@ -39,6 +39,20 @@ public:
     int interrupts = 0;
 };
 
+// The in-memory board, with a hook where a real TCP link yields to the
+// event loop (keys such as F2 are handled there).
+class YieldingTransport : public MemoryTransport {
+public:
+    std::function<void()> beforeCount;
+
+protected:
+    void BeforeCount() override
+    {
+        if (beforeCount)
+            beforeCount();
+    }
+};
+
 struct FakeWindow {
     QString caption;
     QString text;
@@ -117,7 +131,7 @@ struct CompileFixture {
     TestClock clock;
     std::unique_ptr<Paths> paths;
     std::unique_ptr<AppContext> context;
-    MemoryTransport transport;
+    YieldingTransport transport;
     std::unique_ptr<Link> link;
     FakeTerminal terminal;
     FakeEditor editor;
