@@ -32,7 +32,8 @@ void TcpTransport::Connect(const QString &host, quint16 port)
     m_port = port;
     m_wasConnected = false;
     m_client.connectToHost(host, port);
-    m_heartbeat.connectToHost(host, m_heartbeatPort);
+    if (m_heartbeatPort != 0)
+        m_heartbeat.connectToHost(host, m_heartbeatPort);
 }
 
 bool TcpTransport::IsConnecting() const

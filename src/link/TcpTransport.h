@@ -24,6 +24,7 @@ public:
     // Aborts connections that are still pending and reports them as failed.
     void GiveUp(const QString &reason);
 
+    // 0: no heartbeat connection (a simulated board run without one).
     void SetHeartbeatPort(quint16 port) { m_heartbeatPort = port; }
     quint16 HeartbeatPort() const { return m_heartbeatPort; }
     QString Host() const { return m_host; }

@@ -2,14 +2,20 @@
 #include "app/BoardChoice.h"
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
+#include "link/Link.h"
+#include "link/StartupCommands.h"
+#include "link/ui/frmEmulator.h"
+#include "link/ui/frmRemote.h"
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QCoreApplication>
 #include <QPlainTextEdit>
 
 namespace kvr {
 
 MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLine &commandLine)
-    : QObject(&frame), m_context(context), m_frame(frame), m_commandLine(commandLine)
+    : QObject(&frame), m_context(context), m_frame(frame), m_commandLine(commandLine),
+      m_link(std::make_unique<Link>(context))
 {
     InstallTerminal();
     InstallEditors();
@@ -23,6 +29,39 @@ void MainAssembly::InstallEditors()
 
 void MainAssembly::InstallTerminal()
 {
+    m_terminal = new frmEmulator(m_context, *m_link);
+    QMdiSubWindow *window = m_frame.MdiArea()->addSubWindow(m_terminal);
+    window->setWindowTitle(m_terminal->windowTitle());
+    window->resize(m_terminal->sizeHint() + QSize(8, 30));
+    LinkController &controller = m_terminal->Controller();
+    Terminal &terminal = m_terminal->Logic();
+    // A simulated board for this run is reached without a heartbeat.
+    if (!m_commandLine.simulatorHost.isEmpty())
+        controller.Tcp().SetHeartbeatPort(0);
+    m_frame.SetTcpConnectedProvider([&controller] { return controller.IsTcpConnected(); });
+    connect(&controller, &LinkController::PortChanged, &m_frame, &frmMDI::UpdateTicks);
+    connect(&controller, &LinkController::CaptionChanged, &m_frame, &frmMDI::UpdateCaption);
+    connect(m_frame.Item(QStringLiteral("mnuFCapture")), &QAction::triggered, &terminal, &Terminal::ToggleCapture);
+    connect(m_frame.Item(QStringLiteral("mnuZap")), &QAction::triggered, &terminal, &Terminal::Zap);
+    connect(m_frame.Item(QStringLiteral("mnuOCapsLock")), &QAction::triggered, &terminal, &Terminal::ToggleCapsLock);
+    connect(m_frame.Item(QStringLiteral("mnuIP")), &QAction::triggered, this, [this] {
+        frmRemote dialog(m_context, m_terminal->Controller(), &m_frame);
+        dialog.exec();
+    });
+    connect(&terminal, &Terminal::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    connect(&terminal, &Terminal::FocusEditorRequested, this, [this] {
+        const QList<QMdiSubWindow *> windows = m_frame.MdiArea()->subWindowList(QMdiArea::ActivationHistoryOrder);
+        for (auto it = windows.rbegin(); it != windows.rend(); ++it)
+            if ((*it)->widget() != m_terminal && (*it)->isVisible()) {
+                m_frame.MdiArea()->setActiveSubWindow(*it);
+                return;
+            }
+    });
+    window->show();
+    m_terminal->Load();
 }
 
 void MainAssembly::InstallCompiler()
@@ -40,12 +79,21 @@ void MainAssembly::OpenFirstEditorWindow()
 
 void MainAssembly::SwitchPort(int port)
 {
-    m_context.settings.commPort = QStringLiteral("COM%1").arg(port);
-    m_context.WriteSettings();
+    m_terminal->Controller().SelectPort(port);
 }
 
 void MainAssembly::ConnectToBoard()
 {
+    LinkController &controller = m_terminal->Controller();
+    if (m_context.settings.IsTcpMode()) {
+        if (!controller.IsTcpConnected())
+            controller.ConnectRemote();
+        QCoreApplication::processEvents();
+        if (!controller.IsTcpConnected())
+            return;
+        m_link->Pause(0.8);
+    }
+    SendStartupCommands(*m_link, m_terminal->Logic());
 }
 
 void MainAssembly::ShowOpeningDialogue()

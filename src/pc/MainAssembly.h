@@ -2,12 +2,15 @@
 // Creates the subsystems of the windowed program and connects them to the
 // frame's menus and to each other.
 #include "app/AppContext.h"
+#include "link/Link.h"
 #include "pc/CommandLine.h"
 #include <QObject>
+#include <memory>
 
 namespace kvr {
 
 class frmMDI;
+class frmEmulator;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -17,6 +20,10 @@ public:
     // Start-up from the first editor window on: the windows, the opening
     // dialogue or the board's start-up commands, the caption.
     void Start();
+
+    Link &BoardLink() { return *m_link; }
+    // The terminal window (its logic is the compiler's TerminalHost).
+    frmEmulator &TerminalWindow() { return *m_terminal; }
 
 private:
     void InstallEditors();
@@ -30,6 +37,8 @@ private:
     AppContext &m_context;
     frmMDI &m_frame;
     PcCommandLine m_commandLine;
+    std::unique_ptr<Link> m_link;
+    frmEmulator *m_terminal = nullptr;
 };
 
 } // namespace kvr
