@@ -61,7 +61,6 @@ void MainAssembly::InstallTerminal()
             }
     });
     window->show();
-    m_terminal->Load();
 }
 
 void MainAssembly::InstallCompiler()
@@ -94,6 +93,7 @@ void MainAssembly::ConnectToBoard()
         m_link->Pause(0.8);
     }
     SendStartupCommands(*m_link, m_terminal->Logic());
+    m_terminal->BringForward();
 }
 
 void MainAssembly::ShowOpeningDialogue()
@@ -122,6 +122,8 @@ void MainAssembly::ShowOpeningDialogue()
 
 void MainAssembly::Start()
 {
+    // The terminal's load handler opens the configured link first.
+    m_terminal->Load();
     OpenFirstEditorWindow();
     if (!m_commandLine.simulatorHost.isEmpty())
         ConnectToBoard();
