@@ -20,13 +20,18 @@ QString ArrayName(const QString &name, int index)
 CompileMenus::CompileMenus(AppContext &context, CompileDriver &driver, EditorHost *editor, QObject *parent)
     : QObject(parent), m_context(context), m_driver(driver)
 {
-    if (editor)
-        connect(editor, &EditorHost::EditorCreated, this, &CompileMenus::Install);
+    SetEditorHost(editor);
     connect(&driver, &CompileDriver::QuickCompileChanged, this,
             [this](bool on) { SetChecks(QStringLiteral("mnuCQuick"), on); });
     connect(&driver, &CompileDriver::NoCompileDisplayChanged, this,
             [this](bool on) { SetChecks(QStringLiteral("mnuCNoDisplay"), on); });
     connect(&context, &AppContext::SettingsWritten, this, &CompileMenus::RefreshRecentFiles);
+}
+
+void CompileMenus::SetEditorHost(EditorHost *editor)
+{
+    if (editor)
+        connect(editor, &EditorHost::EditorCreated, this, &CompileMenus::Install, Qt::UniqueConnection);
 }
 
 QAction *CompileMenus::AddItem(QMenu *menu, QWidget *window, const QString &name, const QString &caption)

@@ -21,6 +21,7 @@ class CompileMenus : public QObject {
 public:
     CompileMenus(AppContext &context, CompileDriver &driver, EditorHost *editor, QObject *parent = nullptr);
 
+    void SetEditorHost(EditorHost *editor);
     // Adds the items to editor window `index` (done for every EditorCreated).
     void Install(int index, QObject *window);
     // The editor window of `index`, while it exists.

@@ -37,6 +37,17 @@ CompilerWindows::~CompilerWindows()
         delete m_status.data();
 }
 
+frmStatus *CompilerWindows::StatusWindow() const
+{
+    return m_status.data();
+}
+
+void CompilerWindows::SetEditorHost(EditorHost *editor)
+{
+    m_driver->SetEditorHost(editor);
+    m_menus->SetEditorHost(editor);
+}
+
 void CompilerWindows::BringReportForward()
 {
     QWidget *window = m_statusWindow ? static_cast<QWidget *>(m_statusWindow.data()) : m_status.data();

@@ -29,7 +29,11 @@ public:
     CompileDriver &Driver() { return *m_driver; }
     CompileReport &Report() { return *m_report; }
     CompileMenus &Menus() { return *m_menus; }
-    frmStatus *StatusWindow() const { return m_status; }
+    frmStatus *StatusWindow() const;
+
+    // The editor pool, once it exists: the failing line is shown there and
+    // its windows get their Compile menus.
+    void SetEditorHost(EditorHost *editor);
 
     void BringReportForward();
     // Tab in the report: the editor window the compiler last showed.
