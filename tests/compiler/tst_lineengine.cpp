@@ -217,6 +217,7 @@ void TestLineEngine::IncludeOnceAndNesting()
                           f.Prefix(main, 2) + ": FILE LIB.KVR ALREADY COMPILED",
                           ShortenPath(main) + " - FINISHED at 1A2B"}));
     QCOMPARE(f.driver->State().compiledFiles, (QStringList{"A.KVR", "LIB.KVR"}));
+    QCOMPARE(f.prompts.beeps, 5); // every report line and the closing beep
 }
 
 void TestLineEngine::HundredAndFirstIncludeIgnored()
