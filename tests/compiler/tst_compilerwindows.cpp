@@ -28,6 +28,7 @@ private slots:
     void ResizeOnlyInNormalState();
     void WindowGeometry_data();
     void WindowGeometry();
+    void WindowFitsLongestLine();
     void ReportKeys();
     void CompileMenuItems();
     void ChecksFollowInEveryWindow();
@@ -178,6 +179,25 @@ void TestCompilerWindows::WindowGeometry()
     QFETCH(int, needed);
     QFETCH(QRect, expected);
     QCOMPARE(ReportWindowGeometry(current, QSize(1000, 600), needed), expected);
+}
+
+void TestCompilerWindows::WindowFitsLongestLine()
+{
+    Windows w;
+    w.compiler->BringReportForward();
+    auto *sub = qobject_cast<QMdiSubWindow *>(w.compiler->StatusWindow()->parentWidget());
+    sub->setGeometry(600, 10, 250, 150);
+    const QString line = QStringLiteral("/HOME/USER/PROJECTS/ROBOT/MAIN.KVR - line 12: FILE MOTORCONTROL.KVR INCLUDED");
+    w.compiler->Report().AddReportLine(line);
+    const QRect area(QPoint(0, 0), w.area->viewport()->size());
+    QVERIFY(area.contains(sub->geometry()));
+    QVERIFY(sub->width() > 250);
+    QListWidget *list = w.List();
+    QTRY_VERIFY(list->viewport()->width() >= list->fontMetrics().horizontalAdvance(line));
+    for (int i = 0; i < 20; ++i)
+        w.compiler->Report().AddReportLine(line + line);
+    QVERIFY(area.contains(sub->geometry()));
+    QVERIFY(sub->width() <= area.width() * 9 / 10);
 }
 
 void TestCompilerWindows::ReportKeys()

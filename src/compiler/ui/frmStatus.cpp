@@ -38,8 +38,12 @@ frmStatus::frmStatus(AppContext &context, CompileReport &report, QWidget *parent
     m_list->installEventFilter(this);
     BuildMenus();
 
-    connect(&m_report, &CompileReport::Cleared, m_list, &QListWidget::clear);
+    connect(&m_report, &CompileReport::Cleared, this, [this] {
+        m_list->clear();
+        m_longest = 0;
+    });
     connect(&m_report, &CompileReport::LineAdded, this, [this](const QString &text) {
+        m_longest = std::max(m_longest, QFontMetrics(m_list->font()).horizontalAdvance(text));
         FitToLongestLine();
         m_list->addItem(text);
         m_list->setCurrentRow(m_list->count() - 1);
@@ -149,12 +153,9 @@ void frmStatus::FitToLongestLine()
     auto *sub = qobject_cast<QMdiSubWindow *>(parentWidget());
     if (!sub || !sub->mdiArea() || (sub->windowState() & (Qt::WindowMinimized | Qt::WindowMaximized)))
         return;
-    int longest = 0;
     const QFontMetrics metrics(m_list->font());
-    for (const QString &line : m_report.Lines())
-        longest = std::max(longest, metrics.horizontalAdvance(line));
     const int chrome = sub->width() - m_list->viewport()->width() + metrics.averageCharWidth() * 2;
-    sub->setGeometry(ReportWindowGeometry(sub->geometry(), sub->mdiArea()->viewport()->size(), longest + chrome));
+    sub->setGeometry(ReportWindowGeometry(sub->geometry(), sub->mdiArea()->viewport()->size(), m_longest + chrome));
 }
 
 bool frmStatus::eventFilter(QObject *watched, QEvent *event)

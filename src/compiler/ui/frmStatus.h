@@ -53,6 +53,7 @@ private:
     QMenuBar *m_menuBar;
     QListWidget *m_list;
     bool m_listPlaced = false;
+    int m_longest = 0; // pixel width of the longest report line
 };
 
 // The window rectangle (in the frame's area) that fits a line `needed`
