@@ -2,6 +2,7 @@
 #include "app/BoardChoice.h"
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
+#include "compiler/ui/CompilerWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
 #include "link/ui/frmEmulator.h"
@@ -65,6 +66,15 @@ void MainAssembly::InstallTerminal()
 
 void MainAssembly::InstallCompiler()
 {
+    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), nullptr, m_frame.MdiArea(), this);
+    connect(m_compiler, &CompilerWindows::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    connect(m_compiler, &CompilerWindows::FrameCommand, this, [this](const QString &name) {
+        if (QAction *item = m_frame.Item(name))
+            item->trigger();
+    });
 }
 
 void MainAssembly::OpenFirstEditorWindow()

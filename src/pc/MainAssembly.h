@@ -9,6 +9,7 @@
 
 namespace kvr {
 
+class CompilerWindows;
 class frmMDI;
 class frmEmulator;
 
@@ -39,6 +40,7 @@ private:
     PcCommandLine m_commandLine;
     std::unique_ptr<Link> m_link;
     frmEmulator *m_terminal = nullptr;
+    CompilerWindows *m_compiler = nullptr;
 };
 
 } // namespace kvr
