@@ -11,6 +11,8 @@ namespace kvr {
 
 class frmMDI;
 class frmEmulator;
+class EditorHost;
+class EditorWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -24,6 +26,8 @@ public:
     Link &BoardLink() { return *m_link; }
     // The terminal window (its logic is the compiler's TerminalHost).
     frmEmulator &TerminalWindow() { return *m_terminal; }
+    // The pool of editor windows, as the compiler drives it.
+    EditorHost &Editors();
 
 private:
     void InstallEditors();
@@ -39,6 +43,7 @@ private:
     PcCommandLine m_commandLine;
     std::unique_ptr<Link> m_link;
     frmEmulator *m_terminal = nullptr;
+    EditorWindows *m_editors = nullptr;
 };
 
 } // namespace kvr
