@@ -15,8 +15,10 @@ TcpTransport::TcpTransport(QObject *parent) : Transport(parent)
 {
     m_client.setObjectName(QStringLiteral("tcpClient"));
     m_heartbeat.setObjectName(QStringLiteral("tcpHeartbeat"));
-    m_client.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     connect(&m_client, &QTcpSocket::connected, this, [this] {
+        // Lines go out as a text and a lone carriage return: without this
+        // the second write would wait for the board's delayed ACK.
+        m_client.setSocketOption(QAbstractSocket::LowDelayOption, 1);
         m_wasConnected = true;
         emit ClientConnected();
     });

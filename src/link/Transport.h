@@ -19,6 +19,7 @@ public:
     virtual void Write(const QByteArray &bytes) = 0;
     virtual void Close() = 0;
 
+    // Bytes waiting; those that arrived before the link broke still count.
     int Available();
     QByteArray TakeAll();
     void DiscardInput();

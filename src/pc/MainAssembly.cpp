@@ -2,6 +2,7 @@
 #include "app/BoardChoice.h"
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
+#include "compiler/ui/CompilerWindows.h"
 #include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
@@ -87,11 +88,20 @@ void MainAssembly::InstallTerminal()
             }
     });
     window->show();
-    m_terminal->Load();
 }
 
 void MainAssembly::InstallCompiler()
 {
+    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), &m_editors->Pool(), m_frame.MdiArea(),
+                                      this);
+    connect(m_compiler, &CompilerWindows::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    connect(m_compiler, &CompilerWindows::FrameCommand, this, [this](const QString &name) {
+        if (QAction *item = m_frame.Item(name))
+            item->trigger();
+    });
 }
 
 void MainAssembly::OpenFirstEditorWindow()
@@ -120,7 +130,11 @@ void MainAssembly::ConnectToBoard()
             return;
         m_link->Pause(0.8);
     }
+    // No port open: nothing to greet (the open has said why already).
+    if (!m_link->CurrentTransport() || !m_link->CurrentTransport()->IsUsable())
+        return;
     SendStartupCommands(*m_link, m_terminal->Logic());
+    m_terminal->BringForward();
 }
 
 void MainAssembly::ShowOpeningDialogue()
@@ -149,6 +163,8 @@ void MainAssembly::ShowOpeningDialogue()
 
 void MainAssembly::Start()
 {
+    // The terminal's load handler opens the configured link first.
+    m_terminal->Load();
     OpenFirstEditorWindow();
     if (!m_commandLine.simulatorHost.isEmpty())
         ConnectToBoard();

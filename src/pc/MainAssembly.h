@@ -9,6 +9,7 @@
 
 namespace kvr {
 
+class CompilerWindows;
 class frmMDI;
 class frmEmulator;
 class EditorHost;
@@ -44,6 +45,7 @@ private:
     std::unique_ptr<Link> m_link;
     frmEmulator *m_terminal = nullptr;
     EditorWindows *m_editors = nullptr;
+    CompilerWindows *m_compiler = nullptr;
 };
 
 } // namespace kvr

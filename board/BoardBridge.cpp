@@ -1,0 +1,37 @@
+#include "BoardBridge.h"
+
+namespace kvr::board {
+
+BoardBridge::BoardBridge(BoardFront &front, ForthProcess &forth, int baud, int charTimeUs, LineLog *log,
+                         QObject *parent)
+    : QObject(parent), m_front(front), m_forth(forth), m_log(log), m_filter(charTimeUs), m_pacer(baud)
+{
+    m_clock.start();
+    connect(&m_front, &BoardFront::Received, this, &BoardBridge::FromPc);
+    connect(&m_forth, &ForthProcess::Output, this, &BoardBridge::FromForth);
+    connect(&m_forth, &ForthProcess::Restarted, this, [this] { m_linesRunning = 0; });
+    connect(&m_pacer, &OutputPacer::Ready, &m_front, &BoardFront::Send);
+}
+
+void BoardBridge::FromPc(const QByteArray &chunk)
+{
+    const QByteArray taken = m_filter.Take(chunk, m_clock.nsecsElapsed() / 1000);
+    if (taken.isEmpty())
+        return;
+    if (m_log != nullptr)
+        m_log->Take(taken);
+    // Ctrl-C breaks into a running program; the board's own loop also sees
+    // it and drops the line being typed.
+    if (m_linesRunning > 0 && taken.contains('\x03'))
+        m_forth.Interrupt();
+    m_linesRunning += taken.count('\r');
+    m_forth.Write(taken);
+}
+
+void BoardBridge::FromForth(const QByteArray &bytes)
+{
+    m_linesRunning = qMax<qsizetype>(0, m_linesRunning - bytes.count('\n'));
+    m_pacer.Push(bytes);
+}
+
+}  // namespace kvr::board

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace kvr::board {
+
+// The board's Forth system: gforth running our personality. It is started
+// again whenever it ends (COLD ends it on purpose), so the board behaves
+// like one that resets.
+class ForthProcess : public QObject {
+    Q_OBJECT
+public:
+    ForthProcess(const QString &gforth, const QString &boardType, QObject *parent = nullptr);
+    ~ForthProcess() override;
+
+    // Unpacks the personality and starts gforth; false with a message when
+    // that is not possible.
+    bool Start(QString &error);
+    void Stop();
+    void Write(const QByteArray &bytes);
+    // Breaks into whatever the Forth system is running.
+    void Interrupt();
+
+    // The gforth program to use: the given path or gforth on PATH; empty
+    // when there is none.
+    static QString FindGforth(const QString &given);
+
+signals:
+    void Output(const QByteArray &bytes);
+    void Restarted();
+
+private:
+    void Launch();
+    void OnFinished();
+
+    QString m_gforth;
+    QString m_boardType;
+    QTemporaryDir m_personality;
+    QProcess *m_process = nullptr;
+    QByteArray m_pending;      // written while gforth was (re)starting
+    bool m_stopping = false;
+};
+
+}  // namespace kvr::board

@@ -1,0 +1,24 @@
+\ KVR board personality: a Forth board as the PC sees it over its wire.
+\ Run by kvr-board on gforth; KVR_BOARD_TYPE names the board type.
+
+warnings off
+require ./dialect.fs
+require ./memory.fs
+require ./clock.fs
+require ./console.fs
+
+\ A redefinition is reported the way the board does and accepted.
+: board-header ( -- )
+    defers header
+    last @ ?dup IF
+        name>string 2dup current @ search-wordlist
+        IF drop type ."  NOT UNIQUE " ELSE 2drop THEN
+    THEN ;
+
+: board-main ( -- )
+    decimal
+    dictionary-start board-start !  here dict-base !
+    ['] board-header is header
+    sign-on board-loop ;
+
+board-main
