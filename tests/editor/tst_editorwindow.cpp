@@ -161,6 +161,19 @@ private slots:
         QTEST(Pool().SelStart(index), "caretAfter");
     }
 
+    void shortcutsReachTheWindowMenus()
+    {
+        const QString path = m_dir.filePath(QStringLiteral("KEYS.KVR"));
+        WriteAll(path, "1 2 +\r\n");
+        Pool().OpenFile(path);
+        const int index = Pool().ActiveIndex();
+        Edit(index)->setFocus();
+        QTest::keyClicks(Edit(index), QStringLiteral("DROP "));
+        QTest::keyClick(Edit(index), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(ReadAll(path), QByteArray("DROP 1 2 +\r\n"));
+        QVERIFY(!Pool().FState(index).Dirty);
+    }
+
     void undoTakesAnEditBack()
     {
         const int index = NewWithText(QStringLiteral("    DUP"));
