@@ -31,7 +31,12 @@ EditorPool::EditorPool(AppContext &context, EditorViewFactory &factory, QObject 
     m_recent = ReadRecentFiles(m_context.paths.SettingsFile());
 }
 
-EditorPool::~EditorPool() = default;
+EditorPool::~EditorPool()
+{
+    // Windows still open call back into the pool: they go with it.
+    for (const QPointer<QObject> &window : m_alive)
+        delete window.data();
+}
 
 bool EditorPool::IsOpen(int index) const
 {

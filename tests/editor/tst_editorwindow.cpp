@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDialog>
+#include <QFontDatabase>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -312,6 +313,27 @@ private slots:
         QVERIFY(!Pool().CloseAll());
         QCOMPARE(Pool().OpenIndexes(), QList<int>{index});
         QVERIFY(Window(index)->isVisible());
+    }
+
+    void proportionalFontWarning()
+    {
+        const int index = NewWithText(QStringLiteral("X"));
+        const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        QFont proportional(QStringLiteral("DejaVu Sans"));
+        const QFontMetrics metrics(proportional);
+        if (metrics.horizontalAdvance(QLatin1Char('i')) == metrics.horizontalAdvance(QLatin1Char('M')))
+            QSKIP("no proportional font installed");
+        m_prompts->fonts.enqueue(fixed);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
+        QVERIFY(m_prompts->MessageTexts().isEmpty());
+        QCOMPARE(Edit(index)->font().family(), fixed.family());
+        m_prompts->fonts.enqueue(proportional);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
+        QCOMPARE(m_prompts->MessageTexts(),
+                 QStringList{QStringLiteral("The font '") + proportional.family()
+                             + QStringLiteral("' is proportional so maximum line lengths will be "
+                                              "different depending on content. Monospaced fonts "
+                                              "are usually preferable for source code.")});
     }
 
     void guideAndStatus()
