@@ -148,7 +148,7 @@ echo "$out" | tail -n 1 | grep -q '"event":"summary".*"exit":1.*"lines_sent":2.*
     || fail "json summary: $out"
 
 # --- Ctrl-C halts a long compile as F2 does
-for i in $(seq 1 3000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
+for i in $(seq 1 20000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
 "$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$port" \
     > "$work/halt.out" 2> "$work/err" &
 kvr_pid=$!
@@ -160,7 +160,7 @@ kill -INT "$kvr_pid"
 wait "$kvr_pid"
 expect_eq "$?" 4 "halted exit status"
 expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report"
-grep -q "^: W3000 " "$work/board.log" && fail "halt did not stop the compile"
+grep -q "^: W20000 " "$work/board.log" && fail "halt did not stop the compile"
 
 # The settings file is never changed by the command line.
 grep -q "Quick compile" "$settings/KVR-PC.INI" && fail "settings were written"
