@@ -1,11 +1,11 @@
 \ The board's console: characters are read one at a time and echoed as they
 \ are taken; carriage return ends the line, which is interpreted; one reply
 \ line ending in CR LF follows: " ok", or the offending word, " ?  - " and
-\ the message.
+\ the message. The console is the input source of the interpreter, so words
+\ that read on (such as [IF] skipping lines) take the next line typed, after
+\ the current line has had its " ok".
 
 256 constant line-max
-create line-buffer line-max chars allot
-variable #line
 2variable last-word    \ the word the interpreter parsed last
 create key-cell 1 chars allot
 
@@ -26,35 +26,57 @@ create key-cell 1 chars allot
 : COLD ( -- )  flush-out 42 (bye) ;
 : bye ( -- )  COLD ;
 : quit ( -- )  -56 throw ;
+: { ( -- )  -13 throw ;   \ the host's locals syntax is no board word
 
 : ok-reply ( -- )  ."  ok" crlf ;
 
 : error-reply ( n -- )
     last-word 2@ type ."  ?  - " error-text type crlf ;
 
+\ After an error the board is back at its prompt: empty stacks, interpreting.
 : line-failed ( n -- )
     dup -1 = over -56 = or IF drop ok-reply ELSE error-reply THEN
-    clearstacks  clear-leave-stack  ['] [ execute  0 "error ! ;
-
-: run-line ( -- )
-    0 0 last-word 2!
-    line-buffer #line @ 0 #line !
-    ['] evaluate catch ?dup IF line-failed ELSE ok-reply THEN ;
+    clearstacks  clear-leave-stack  normal-dp dpp !  ['] [ execute  0 "error ! ;
 
 : add-char ( c -- )
-    #line @ line-max < IF dup line-buffer #line @ + c! 1 #line +! emit ELSE drop THEN ;
+    #tib @ max#tib @ < IF dup tib #tib @ + c! 1 #tib +! emit ELSE drop THEN ;
 
 : rub-out ( -- )
-    #line @ IF -1 #line +! 8 emit bl emit 8 emit THEN ;
+    #tib @ IF -1 #tib +! 8 emit bl emit 8 emit THEN ;
 
-: take-char ( c -- )
-    dup 13 = IF drop bl emit run-line EXIT THEN
-    dup 8 = over 127 = or IF drop rub-out EXIT THEN
-    dup 3 = IF drop 0 #line ! EXIT THEN     \ break: drop the line typed so far
+\ Takes one character into the line; true when it ended the line.
+: take-char ( c -- flag )
+    dup 13 = IF drop bl emit true EXIT THEN
+    dup 8 = over 127 = or IF drop rub-out false EXIT THEN
+    dup 3 = IF drop 0 #tib ! false EXIT THEN   \ break: drop the line typed so far
     dup 9 = IF drop bl THEN
-    dup bl < IF drop EXIT THEN
-    add-char ;
+    dup bl < IF drop false EXIT THEN
+    add-char false ;
+
+: read-line ( -- )
+    0 #tib !  BEGIN board-key take-char UNTIL  input-start-line ;
+
+\ The console as an input source.
+: console-refill ( -- flag )  ok-reply read-line true ;
+:noname ( -- addr u )  tib #tib @ ;
+create console-input
+    ,  ' console-refill ,  ' false ,
+    :noname ( -- in 1 ) >in @ 1 ; ,
+    :noname ( in 1 -- ) 1 <> -12 and throw >in ! ; ,
+
+\ A comment may run over several lines, as it may in a source file.
+: ( ( "ccc<paren>" -- )
+    BEGIN
+        source >in @ /string [char] ) scan
+        IF source drop - 1+ >in ! EXIT THEN drop
+        refill 0=
+    UNTIL ; immediate
+
+: run-line ( -- )
+    read-line  0 0 last-word 2!
+    ['] interpret catch ?dup IF line-failed ELSE ok-reply THEN ;
 
 \ A break signal while waiting for a key only interrupts the wait.
 : board-loop ( -- )
-    BEGIN ['] board-key catch ?dup IF drop ELSE take-char THEN AGAIN ;
+    console-input line-max new-tib
+    BEGIN ['] run-line catch drop AGAIN ;

@@ -25,6 +25,7 @@ LinkController::LinkController(AppContext &context, Link &link, QObject *parent)
     connect(&m_tcp, &TcpTransport::ClientError, this, &LinkController::OnClientError);
     connect(&m_tcp, &TcpTransport::HeartbeatError, this, &LinkController::OnHeartbeatError);
     connect(&m_serial, &Transport::LinkLost, this, &LinkController::OnSerialLost);
+    connect(&m_serial, &SerialTransport::PortError, this, &LinkController::SerialFault);
 }
 
 int LinkController::PortNumber() const

@@ -13,6 +13,25 @@ constexpr qint64 InputBufferSize = 32000;
 SerialTransport::SerialTransport(QObject *parent) : Transport(parent)
 {
     m_port.setObjectName(QStringLiteral("MSComm1"));
+    connect(&m_port, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
+        switch (error) {
+        case QSerialPort::NoError:
+        case QSerialPort::TimeoutError:       // a poll that found nothing
+        case QSerialPort::DeviceNotFoundError: // reported by Open()
+        case QSerialPort::PermissionError:
+        case QSerialPort::OpenError:
+        case QSerialPort::NotOpenError:
+        case QSerialPort::UnsupportedOperationError: // RTS on a line without modem control
+            return;
+        case QSerialPort::ResourceError:
+        case QSerialPort::ReadError:
+        case QSerialPort::WriteError:
+            return; // the link is lost: Poll() and Write() close it and say so
+        default:
+            if (m_port.isOpen())
+                emit PortError(m_port.errorString());
+        }
+    });
 }
 
 SerialTransport::~SerialTransport()

@@ -24,6 +24,11 @@ public:
     void Write(const QByteArray &bytes) override;
     void Close() override;
 
+signals:
+    // An error event of the port that did not end the link (a line fault,
+    // an unexpected system error); a lost device comes as LinkLost.
+    void PortError(const QString &description);
+
 protected:
     void Poll() override;
 

@@ -102,6 +102,9 @@ void MainAssembly::ConnectToBoard()
             return;
         m_link->Pause(0.8);
     }
+    // No port open: nothing to greet (the open has said why already).
+    if (!m_link->CurrentTransport() || !m_link->CurrentTransport()->IsUsable())
+        return;
     SendStartupCommands(*m_link, m_terminal->Logic());
     m_terminal->BringForward();
 }

@@ -12,8 +12,11 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <pty.h>
+#include <sys/socket.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -216,6 +219,43 @@ private slots:
             + QString::number(port) + ".\n"));
         f.link.SendText(QStringLiteral("lost"), true); // silently nothing
         QCOMPARE(f.link.BytesAvailable(), 0);
+    }
+
+    void gatewayThatNeverAnswersIsGivenUp()
+    {
+        // A listener whose queue is full drops further connection requests,
+        // so the sockets stay connecting as with an unreachable gateway.
+        const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        QCOMPARE(::bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+        QCOMPARE(::listen(listener, 0), 0);
+        socklen_t length = sizeof address;
+        ::getsockname(listener, reinterpret_cast<sockaddr *>(&address), &length);
+        QList<int> fillers;
+        for (int i = 0; i < 3; ++i) {
+            const int filler = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+            ::connect(filler, reinterpret_cast<sockaddr *>(&address), sizeof address);
+            fillers << filler;
+        }
+        QTest::qWait(100);
+        Fixture f;
+        f.context.settings.remotePort = QString::number(ntohs(address.sin_port));
+        f.controller.Tcp().SetHeartbeatPort(0);
+        f.controller.SetConnectLimitSeconds(1.0);
+        QElapsedTimer elapsed;
+        elapsed.start();
+        f.controller.SelectPort(0);
+        const qint64 ms = elapsed.elapsed();
+        for (int filler : fillers)
+            ::close(filler);
+        ::close(listener);
+        QVERIFY2(ms >= 1000, qPrintable(QString::number(ms))); // not before the limit
+        QVERIFY(!f.controller.IsTcpConnected());
+        QCOMPARE(f.controller.StatusText(), QStringLiteral("Remote KVR computer - not connected"));
+        QCOMPARE(f.prompts.MessageTexts().size(), 1);
+        QVERIFY(f.prompts.MessageTexts().first().endsWith(QStringLiteral(".\nConnection timed out")));
     }
 
     void gatewayGoesAwayMidSession()
