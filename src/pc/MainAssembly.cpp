@@ -2,7 +2,10 @@
 #include "app/BoardChoice.h"
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
+#include "app/FilePaths.h"
+#include "compiler/CompileDriver.h"
 #include "compiler/ui/CompilerWindows.h"
+#include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
 #include "link/ui/frmEmulator.h"
@@ -26,6 +29,12 @@ MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLi
 
 void MainAssembly::InstallEditors()
 {
+    m_editors = new EditorWindows(m_context, m_frame.MdiArea(), this);
+    m_editors->ConnectFrame(&m_frame);
+    connect(&m_editors->Pool(), &EditorPool::TerminalFocusRequested, this, [this] {
+        m_terminal->BringForward();
+        m_terminal->setFocus();
+    });
 }
 
 void MainAssembly::InstallTerminal()
@@ -66,7 +75,9 @@ void MainAssembly::InstallTerminal()
 
 void MainAssembly::InstallCompiler()
 {
-    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), nullptr, m_frame.MdiArea(), this);
+    EditorPool &pool = m_editors->Pool();
+    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), &pool, m_frame.MdiArea(), this);
+    connect(&pool, &EditorPool::HaltRequested, &m_compiler->Driver(), &CompileDriver::HaltCompile);
     connect(m_compiler, &CompilerWindows::HelpRequested, this, [this] {
         if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
             help->trigger();
@@ -79,11 +90,13 @@ void MainAssembly::InstallCompiler()
 
 void MainAssembly::OpenFirstEditorWindow()
 {
-    auto *editor = new QPlainTextEdit;
-    editor->setObjectName(QStringLiteral("frmNotePad"));
-    QMdiSubWindow *window = m_frame.MdiArea()->addSubWindow(editor);
-    window->setWindowTitle(QStringLiteral("Source code 1"));
-    window->show();
+    // The current file comes back in an editor window; without one, an
+    // empty window.
+    const QString current = m_context.settings.currentFile;
+    if (current.left(8) != QLatin1String("Not Used") && FileExistsCI(current))
+        m_editors->Pool().OpenFile(current);
+    else
+        m_editors->Pool().FileNew();
 }
 
 void MainAssembly::SwitchPort(int port)

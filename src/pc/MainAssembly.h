@@ -10,6 +10,7 @@
 namespace kvr {
 
 class CompilerWindows;
+class EditorWindows;
 class frmMDI;
 class frmEmulator;
 
@@ -40,6 +41,7 @@ private:
     PcCommandLine m_commandLine;
     std::unique_ptr<Link> m_link;
     frmEmulator *m_terminal = nullptr;
+    EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
 };
 
