@@ -2,8 +2,6 @@
 #include "app/BoardChoice.h"
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
-#include "app/FilePaths.h"
-#include "compiler/CompileDriver.h"
 #include "compiler/ui/CompilerWindows.h"
 #include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
@@ -31,10 +29,29 @@ void MainAssembly::InstallEditors()
 {
     m_editors = new EditorWindows(m_context, m_frame.MdiArea(), this);
     m_editors->ConnectFrame(&m_frame);
-    connect(&m_editors->Pool(), &EditorPool::TerminalFocusRequested, this, [this] {
-        m_terminal->BringForward();
-        m_terminal->setFocus();
+    EditorPool &pool = m_editors->Pool();
+    Terminal &terminal = m_terminal->Logic();
+    connect(&terminal, &Terminal::OpenInEditor, &pool, &EditorPool::DisplayFile);
+    connect(&pool, &EditorPool::HaltRequested, &terminal, &Terminal::SendInterrupt);
+    connect(&pool, &EditorPool::TerminalFocusRequested, this, [this] {
+        for (QMdiSubWindow *window : m_frame.MdiArea()->subWindowList())
+            if (window->widget() == m_terminal) {
+                m_frame.MdiArea()->setActiveSubWindow(window);
+                m_terminal->setFocus();
+            }
     });
+    connect(&pool, &EditorPool::ExitRequested, &m_frame, &QWidget::close);
+    connect(&pool, &EditorPool::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    // Exit asks about every changed editor window; Cancel abandons it.
+    m_frame.SetCloseGuard([&pool] { return pool.CloseAll(); });
+}
+
+EditorHost &MainAssembly::Editors()
+{
+    return m_editors->Pool();
 }
 
 void MainAssembly::InstallTerminal()
@@ -75,9 +92,8 @@ void MainAssembly::InstallTerminal()
 
 void MainAssembly::InstallCompiler()
 {
-    EditorPool &pool = m_editors->Pool();
-    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), &pool, m_frame.MdiArea(), this);
-    connect(&pool, &EditorPool::HaltRequested, &m_compiler->Driver(), &CompileDriver::HaltCompile);
+    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), &m_editors->Pool(), m_frame.MdiArea(),
+                                      this);
     connect(m_compiler, &CompilerWindows::HelpRequested, this, [this] {
         if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
             help->trigger();
@@ -90,13 +106,12 @@ void MainAssembly::InstallCompiler()
 
 void MainAssembly::OpenFirstEditorWindow()
 {
-    // The current file comes back in an editor window; without one, an
-    // empty window.
+    EditorPool &pool = m_editors->Pool();
     const QString current = m_context.settings.currentFile;
-    if (current.left(8) != QLatin1String("Not Used") && FileExistsCI(current))
-        m_editors->Pool().OpenFile(current);
-    else
-        m_editors->Pool().FileNew();
+    if (current.left(8) != QLatin1String("Not Used"))
+        pool.OpenFile(current);
+    if (pool.OpenIndexes().isEmpty())
+        pool.FileNew();
 }
 
 void MainAssembly::SwitchPort(int port)

@@ -10,9 +10,10 @@
 namespace kvr {
 
 class CompilerWindows;
-class EditorWindows;
 class frmMDI;
 class frmEmulator;
+class EditorHost;
+class EditorWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -26,6 +27,8 @@ public:
     Link &BoardLink() { return *m_link; }
     // The terminal window (its logic is the compiler's TerminalHost).
     frmEmulator &TerminalWindow() { return *m_terminal; }
+    // The pool of editor windows, as the compiler drives it.
+    EditorHost &Editors();
 
 private:
     void InstallEditors();

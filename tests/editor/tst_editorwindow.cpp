@@ -77,7 +77,7 @@ private slots:
     void windowHasItsNamesAndAnEmptyCompileMenu()
     {
         QSignalSpy created(&Pool(), &EditorHost::EditorCreated);
-        m_frame->findChild<QAction *>(QStringLiteral("mnuFNew"))->trigger();
+        m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuFNew"))->trigger();
         QCOMPARE(created.count(), 1);
         auto *window = qobject_cast<QWidget *>(created.first().at(1).value<QObject *>());
         QVERIFY(window);
@@ -276,10 +276,10 @@ private slots:
         WriteAll(path, "X\r\n");
         Pool().OpenFile(path);
         const QString logical = LogicalName(path);
-        auto *frameItem = m_frame->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
+        auto *frameItem = m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
         QCOMPARE(frameItem->data().toString(), logical);
         QVERIFY(frameItem->isVisible());
-        QVERIFY(m_frame->findChild<QAction *>(QStringLiteral("mnuRecentFile(0)"))->isVisible());
+        QVERIFY(m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuRecentFile(0)"))->isVisible());
         auto *windowItem = Window(Pool().ActiveIndex())->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
         QCOMPARE(windowItem->data().toString(), logical);
 
