@@ -11,6 +11,7 @@ BoardBridge::BoardBridge(BoardFront &front, ForthProcess &forth, int baud, int c
     connect(&m_forth, &ForthProcess::Output, this, &BoardBridge::FromForth);
     connect(&m_forth, &ForthProcess::Restarted, this, [this] { m_linesRunning = 0; });
     connect(&m_pacer, &OutputPacer::Ready, &m_front, &BoardFront::Send);
+    connect(&m_front, &BoardFront::ClientConnected, &m_pacer, &OutputPacer::Clear);
 }
 
 void BoardBridge::FromPc(const QByteArray &chunk)

@@ -87,6 +87,8 @@ int main(int argc, char *argv[])
         return Fail(error);
 
     ForthProcess forth(gforth, options.type);
+    BoardBridge bridge(*front, forth, options.baud, options.charTimeUs,
+                       options.logPath.isEmpty() ? nullptr : &log);
     // The board is ready once its Forth system has signed on.
     bool signedOn = false;
     QTimer startLimit;
@@ -96,6 +98,7 @@ int main(int argc, char *argv[])
             return;
         signedOn = true;
         startLimit.stop();
+        front->Ready();
         std::printf("%s\n", qPrintable(front->ReadyLine()));
         std::fflush(stdout);
     });
@@ -107,8 +110,6 @@ int main(int argc, char *argv[])
         return Fail(error);
     startLimit.start(10000);
 
-    BoardBridge bridge(*front, forth, options.baud, options.charTimeUs,
-                       options.logPath.isEmpty() ? nullptr : &log);
     const int status = app.exec();
     forth.Stop();
     return status;
