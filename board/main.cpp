@@ -93,14 +93,18 @@ int main(int argc, char *argv[])
     bool signedOn = false;
     QTimer startLimit;
     startLimit.setSingleShot(true);
-    QObject::connect(&forth, &ForthProcess::Output, &app, [&](const QByteArray &bytes) {
-        if (signedOn || !bytes.contains('\n'))
+    QObject::connect(&forth, &ForthProcess::Up, &app, [&] {
+        if (signedOn)
             return;
         signedOn = true;
         startLimit.stop();
         front->Ready();
         std::printf("%s\n", qPrintable(front->ReadyLine()));
         std::fflush(stdout);
+    });
+    QObject::connect(&forth, &ForthProcess::Failed, &app, [&](const QString &message) {
+        Fail(message);
+        QCoreApplication::exit(1);
     });
     QObject::connect(&startLimit, &QTimer::timeout, &app, [&] {
         Fail(QStringLiteral("the Forth system did not sign on; is %1 a working gforth?").arg(gforth));

@@ -250,14 +250,19 @@ void TestBoard::interruptSequenceBreaksARunningProgram()
     QFETCH(QString, transport);
     Session session;
     QVERIFY2(session.Open(transport), qPrintable(session.board.Failure()));
-    QCOMPARE(session.wire->Converse(": SPIN BEGIN AGAIN ;"), QByteArray(": SPIN BEGIN AGAIN ;  ok"));
+    // It prints whole lines before it loops, so counting line ends cannot
+    // tell the board is busy.
+    const QByteArray spin = ": SPIN CR .\" spinning\" CR BEGIN AGAIN ;";
+    QCOMPARE(session.wire->Converse(spin), spin + "  ok");
     session.wire->Send("SPIN\r");
+    QCOMPARE(session.wire->ReadLine(), QByteArray("SPIN "));
+    QCOMPARE(session.wire->ReadLine(), QByteArray("spinning"));
     QVERIFY(session.wire->ReadLine(300).isNull());   // busy: no reply
 
     // What the PC sends on F2: Ctrl-C, Ctrl-Q, Escape, blank, ";", CR; then a lone CR.
     session.wire->Send(QByteArray("\x03\x11\x1b ;\r", 6));
     const QByteArray broken = session.wire->ReadLine();
-    QVERIFY2(broken.startsWith("SPIN SPIN" + ErrorMarker), broken.constData());
+    QVERIFY2(broken.startsWith("SPIN" + ErrorMarker), broken.constData());
     QVERIFY(!session.wire->ReadLine().isNull());   // the reply to " ;"
     QCOMPARE(session.wire->Converse(""), QByteArray("  ok"));
     QCOMPARE(session.wire->Converse("1 2 + ."), QByteArray("1 2 + . 3  ok"));

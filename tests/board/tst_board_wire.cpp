@@ -258,6 +258,8 @@ void TestBoardWire::refusesToStart_data()
                                     << QByteArray("gforth is not installed");
     QTest::newRow("gforth given wrong") << QStringList{"--port", "0", "--gforth", "/nonexistent/gforth"} << "" << 1
                                         << QByteArray("not an executable gforth");
+    QTest::newRow("gforth cannot run the board") << QStringList{"--port", "0", "--no-heartbeat", "--gforth", "/bin/false"}
+                                                 << "" << 1 << QByteArray("personality did not start");
     QTest::newRow("unknown type") << QStringList{"--type", "8080"} << "" << 2 << QByteArray("unknown board type");
     QTest::newRow("bad port") << QStringList{"--port", "70000"} << "" << 2 << QByteArray("--port needs a number");
     QTest::newRow("link without pty") << QStringList{"--link", "/tmp/x"} << "" << 2 << QByteArray("--link needs --pty");
