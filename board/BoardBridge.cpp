@@ -9,8 +9,17 @@ BoardBridge::BoardBridge(BoardFront &front, ForthProcess &forth, int baud, int c
     m_clock.start();
     connect(&m_front, &BoardFront::Received, this, &BoardBridge::FromPc);
     connect(&m_forth, &ForthProcess::Output, this, &BoardBridge::FromForth);
-    connect(&m_forth, &ForthProcess::Restarted, this, [this] { m_linesRunning = 0; });
+    connect(&m_forth, &ForthProcess::Restarted, this, [this] {
+        m_forthReading = true;
+        m_lineSent = false;
+    });
+    connect(&m_forth, &ForthProcess::ReadingLine, this, [this](bool reading) {
+        m_forthReading = reading;
+        if (reading)
+            m_lineSent = false;
+    });
     connect(&m_pacer, &OutputPacer::Ready, &m_front, &BoardFront::Send);
+    connect(&m_front, &BoardFront::ClientConnected, &m_pacer, &OutputPacer::Clear);
 }
 
 void BoardBridge::FromPc(const QByteArray &chunk)
@@ -22,15 +31,17 @@ void BoardBridge::FromPc(const QByteArray &chunk)
         m_log->Take(taken);
     // Ctrl-C breaks into a running program; the board's own loop also sees
     // it and drops the line being typed.
-    if (m_linesRunning > 0 && taken.contains('\x03'))
-        m_forth.Interrupt();
-    m_linesRunning += taken.count('\r');
+    for (char byte : taken) {
+        if (byte == '\r')
+            m_lineSent = true;
+        else if (byte == '\x03' && (!m_forthReading || m_lineSent))
+            m_forth.Interrupt();
+    }
     m_forth.Write(taken);
 }
 
 void BoardBridge::FromForth(const QByteArray &bytes)
 {
-    m_linesRunning = qMax<qsizetype>(0, m_linesRunning - bytes.count('\n'));
     m_pacer.Push(bytes);
 }
 

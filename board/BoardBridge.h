@@ -27,7 +27,8 @@ private:
     CharacterFilter m_filter;
     OutputPacer m_pacer;
     QElapsedTimer m_clock;
-    qsizetype m_linesRunning = 0;   // lines sent whose reply has not ended
+    bool m_forthReading = true;   // the board waits for a line
+    bool m_lineSent = false;      // a line ended since the board last said it waits
 };
 
 }  // namespace kvr::board

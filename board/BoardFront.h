@@ -17,9 +17,13 @@ public:
     virtual QString ReadyLine() const = 0;
     // Sends to the PC; dropped when no PC is there.
     virtual void Send(const QByteArray &bytes) = 0;
+    // The board is ready: what it said before is not for any PC.
+    virtual void Ready() {}
 
 signals:
     void Received(const QByteArray &bytes);
+    // A PC came on the line; what was on its way to the one before is lost.
+    void ClientConnected();
 };
 
 }  // namespace kvr::board

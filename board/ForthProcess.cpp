@@ -7,6 +7,7 @@
 #include <QStandardPaths>
 
 #include <csignal>
+#include <cstdio>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -63,7 +64,8 @@ void ForthProcess::Launch()
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("KVR_BOARD_TYPE"), m_boardType);
     m_process->setProcessEnvironment(env);
-    m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process->setProcessChannelMode(QProcess::SeparateChannels);
+    connect(m_process, &QProcess::readyReadStandardError, this, &ForthProcess::OnStderr);
     // gforth must not outlive the bridge, however the bridge ends.
     m_process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     connect(m_process, &QProcess::readyReadStandardOutput, this, [this] {
@@ -79,12 +81,44 @@ void ForthProcess::Launch()
     m_process->start();
 }
 
+void ForthProcess::OnStderr()
+{
+    // Status bytes from the personality; anything else is gforth's own word.
+    QByteArray text;
+    for (char byte : m_process->readAllStandardError()) {
+        if (byte == '\x01' || byte == '\x02') {
+            if (!m_up) {
+                // The sign-on was written before this; let it go first.
+                m_up = true;
+                m_process->setReadChannel(QProcess::StandardOutput);
+                m_process->waitForReadyRead(0);
+                emit Output(m_process->readAllStandardOutput());
+                emit Up();
+            }
+            emit ReadingLine(byte == '\x02');
+        }
+        else
+            text += byte;
+    }
+    if (!text.isEmpty()) {
+        std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stderr);
+        std::fflush(stderr);
+    }
+}
+
 void ForthProcess::OnFinished()
 {
     QProcess *ended = m_process;
     if (m_stopping || ended == nullptr)
         return;
     emit Output(ended->readAllStandardOutput());
+    OnStderr();
+    if (!m_up) {
+        emit Failed(QStringLiteral("the board personality did not start on %1 (exit code %2)")
+                        .arg(m_gforth).arg(ended->exitCode()));
+        return;
+    }
+    m_up = false;
     if (ended->exitStatus() != QProcess::NormalExit || ended->exitCode() != 42)
         qWarning("kvr-board: the Forth system ended (exit code %d); restarting it", ended->exitCode());
     ended->deleteLater();

@@ -30,11 +30,18 @@ public:
 
 signals:
     void Output(const QByteArray &bytes);
+    // The board started waiting for a line (true) or working on one (false).
+    void ReadingLine(bool reading);
     void Restarted();
+    // The personality has signed on and waits for its first line.
+    void Up();
+    // gforth ended before the personality was up: starting it again is no use.
+    void Failed(const QString &message);
 
 private:
     void Launch();
     void OnFinished();
+    void OnStderr();
 
     QString m_gforth;
     QString m_boardType;
@@ -42,6 +49,7 @@ private:
     QProcess *m_process = nullptr;
     QByteArray m_pending;      // written while gforth was (re)starting
     bool m_stopping = false;
+    bool m_up = false;         // the personality of this run has asked for a line
 };
 
 }  // namespace kvr::board

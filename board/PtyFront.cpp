@@ -69,6 +69,12 @@ QString PtyFront::ReadyLine() const
     return QStringLiteral("pty ") + m_slaveName;
 }
 
+void PtyFront::Ready()
+{
+    // The sign-on at power-up went out before any PC could have the line open.
+    ::tcflush(m_slave, TCIFLUSH);
+}
+
 void PtyFront::OnReadable()
 {
     char buffer[4096];

@@ -17,6 +17,7 @@ public:
     bool Open(QString &error) override;
     QString ReadyLine() const override;
     void Send(const QByteArray &bytes) override;
+    void Ready() override;
 
 private:
     void OnReadable();

@@ -49,6 +49,7 @@ void TcpFront::OnClient()
             m_client->deleteLater();
         }
         m_client = socket;
+        emit ClientConnected();
         socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
             if (socket == m_client)

@@ -87,17 +87,24 @@ int main(int argc, char *argv[])
         return Fail(error);
 
     ForthProcess forth(gforth, options.type);
+    BoardBridge bridge(*front, forth, options.baud, options.charTimeUs,
+                       options.logPath.isEmpty() ? nullptr : &log);
     // The board is ready once its Forth system has signed on.
     bool signedOn = false;
     QTimer startLimit;
     startLimit.setSingleShot(true);
-    QObject::connect(&forth, &ForthProcess::Output, &app, [&](const QByteArray &bytes) {
-        if (signedOn || !bytes.contains('\n'))
+    QObject::connect(&forth, &ForthProcess::Up, &app, [&] {
+        if (signedOn)
             return;
         signedOn = true;
         startLimit.stop();
+        front->Ready();
         std::printf("%s\n", qPrintable(front->ReadyLine()));
         std::fflush(stdout);
+    });
+    QObject::connect(&forth, &ForthProcess::Failed, &app, [&](const QString &message) {
+        Fail(message);
+        QCoreApplication::exit(1);
     });
     QObject::connect(&startLimit, &QTimer::timeout, &app, [&] {
         Fail(QStringLiteral("the Forth system did not sign on; is %1 a working gforth?").arg(gforth));
@@ -107,8 +114,6 @@ int main(int argc, char *argv[])
         return Fail(error);
     startLimit.start(10000);
 
-    BoardBridge bridge(*front, forth, options.baud, options.charTimeUs,
-                       options.logPath.isEmpty() ? nullptr : &log);
     const int status = app.exec();
     forth.Stop();
     return status;

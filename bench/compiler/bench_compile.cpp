@@ -4,6 +4,7 @@
 #include "app/AppContext.h"
 #include "app/ScriptedPrompts.h"
 #include "compiler/CompileDriver.h"
+#include "compiler/SourceText.h"
 #include "link/Link.h"
 #include "link/MemoryTransport.h"
 #include <QCoreApplication>
@@ -63,8 +64,8 @@ double InMemoryPerLine(const QString &file, bool quick)
     return seconds / driver.State().linesSent;
 }
 
-// Seconds per line for a bare send-and-wait to the board, nothing else.
-double RawRoundTrip(quint16 port, int count)
+// Seconds per line for a bare send-and-wait of `lines` to the board.
+double RawRoundTrip(quint16 port, const QList<QByteArray> &lines)
 {
     QTcpSocket socket;
     socket.connectToHost(QStringLiteral("127.0.0.1"), port);
@@ -73,8 +74,8 @@ double RawRoundTrip(quint16 port, int count)
     socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     QElapsedTimer timer;
     timer.start();
-    for (int i = 0; i < count; ++i) {
-        socket.write(QStringLiteral("%1 DROP").arg(i).toLatin1());
+    for (const QByteArray &line : lines) {
+        socket.write(line);
         socket.write("\r");
         socket.flush();
         QByteArray got;
@@ -84,8 +85,51 @@ double RawRoundTrip(quint16 port, int count)
             got += socket.readAll();
         }
     }
-    return timer.nsecsElapsed() / 1e9 / count;
+    return timer.nsecsElapsed() / 1e9 / lines.size();
 }
+
+// The lines a compile sends, as they are sent.
+QList<QByteArray> SentLines(bool quick)
+{
+    QList<QByteArray> lines;
+    for (const QByteArray &raw : Program().split('\n')) {
+        QString line = QString::fromLatin1(raw).trimmed();
+        if (quick)
+            CompactLine(line);
+        if (!line.isEmpty())
+            lines.append(line.toLatin1());
+    }
+    return lines;
+}
+
+// A fresh board on a free port, so each run starts from the same dictionary.
+class Board {
+public:
+    explicit Board(const QString &bin)
+    {
+        m_process.start(bin + QStringLiteral("/kvr-board"),
+                        {QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--no-heartbeat")});
+        QByteArray banner;
+        QElapsedTimer wait;
+        wait.start();
+        while (port == 0 && wait.elapsed() < 10000 && m_process.waitForReadyRead(10000)) {
+            banner += m_process.readAllStandardOutput();
+            const qsizetype at = banner.indexOf("listening on 127.0.0.1:");
+            const qsizetype end = banner.indexOf('\n', at);
+            if (at >= 0 && end > at)
+                port = static_cast<quint16>(banner.mid(at + 23, end - at - 23).trimmed().toUInt());
+        }
+    }
+    ~Board()
+    {
+        m_process.terminate();
+        m_process.waitForFinished(3000);
+    }
+    quint16 port = 0;
+
+private:
+    QProcess m_process;
+};
 
 QJsonObject RunKvr(const QString &bin, const QString &settings, const QString &file, quint16 port, bool quick)
 {
@@ -123,24 +167,6 @@ int main(int argc, char *argv[])
         std::printf("compile to kvr-board: skipped, no kvr-board in KVR_BIN_DIR\n");
         return 0;
     }
-    QProcess board;
-    board.start(bin + QStringLiteral("/kvr-board"),
-                {QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--no-heartbeat")});
-    quint16 port = 0;
-    QByteArray banner;
-    QElapsedTimer wait;
-    wait.start();
-    while (port == 0 && wait.elapsed() < 10000 && board.waitForReadyRead(10000)) {
-        banner += board.readAllStandardOutput();
-        const qsizetype at = banner.indexOf("listening on 127.0.0.1:");
-        if (at >= 0 && banner.indexOf('\n', at) > at)
-            port = static_cast<quint16>(banner.mid(at + 23, banner.indexOf('\n', at) - at - 23).trimmed().toUInt());
-    }
-    if (port == 0) {
-        std::printf("compile to kvr-board: the board did not start\n");
-        return 1;
-    }
-
     const QString settings = dir.path() + QStringLiteral("/settings");
     QDir().mkpath(settings);
     QFile ini(settings + QStringLiteral("/KVR-PC.INI"));
@@ -148,23 +174,31 @@ int main(int argc, char *argv[])
     ini.write("[Parameters]\r\nIntercharacter delay - KVR4410=0\r\nTimeout=10000\r\n");
     ini.close();
 
-    const double round = RawRoundTrip(port, 500);
-    std::printf("kvr-board raw round trip of one line over TCP: %.4f ms\n", round * 1e3);
     for (bool quick : {false, true}) {
-        const QJsonObject summary = RunKvr(bin, settings, file, port, quick);
+        const char *name = quick ? "kvr compile --quick" : "kvr compile";
+        double round = -1;
+        {
+            Board board(bin);
+            if (board.port)
+                round = RawRoundTrip(board.port, SentLines(quick));
+        }
+        Board board(bin);
+        if (round < 0 || board.port == 0) {
+            std::printf("%s: kvr-board did not answer\n", name);
+            return 1;
+        }
+        const QJsonObject summary = RunKvr(bin, settings, file, board.port, quick);
         const double seconds = summary.value(QStringLiteral("seconds")).toDouble() - EndPause;
         const int sent = summary.value(QStringLiteral("lines_sent")).toInt();
         if (summary.value(QStringLiteral("outcome")).toString() != QLatin1String("finished") || sent == 0) {
-            std::printf("kvr compile%s: did not finish (%s)\n", quick ? " --quick" : "",
+            std::printf("%s: did not finish (%s)\n", name,
                         QJsonDocument(summary).toJson(QJsonDocument::Compact).constData());
-            continue;
+            return 1;
         }
         const double perLine = seconds / sent;
-        std::printf("kvr compile%s of %d lines to kvr-board, delay 0: %.0f lines/s, %.4f ms per line, "
-                    "PC share %.4f ms per line over the raw round trip\n",
-                    quick ? " --quick" : "", sent, sent / seconds, perLine * 1e3, (perLine - round) * 1e3);
+        std::printf("%s of %d lines to kvr-board over TCP, delay 0: %.0f lines/s (%.4f ms per line); "
+                    "the same lines by a bare socket: %.4f ms per line; PC share %.4f ms per line\n",
+                    name, sent, sent / seconds, perLine * 1e3, round * 1e3, (perLine - round) * 1e3);
     }
-    board.terminate();
-    board.waitForFinished(3000);
     return 0;
 }

@@ -2,6 +2,7 @@
 \ Run by kvr-board on gforth; KVR_BOARD_TYPE names the board type.
 
 warnings off
+require ./output.fs
 require ./dialect.fs
 require ./memory.fs
 require ./clock.fs

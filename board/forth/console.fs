@@ -13,7 +13,6 @@ create key-cell 1 chars allot
 
 : crlf ( -- )  13 emit 10 emit ;
 : cr ( -- )  crlf ;
-: flush-out ( -- )  outfile-id flush-file drop ;
 
 \ The host closing our input means the board is switched off.
 : board-key ( -- c )
@@ -21,7 +20,14 @@ create key-cell 1 chars allot
     key-cell 1 stdin read-file throw 0= IF 0 (bye) THEN
     key-cell c@ ;
 
-: sign-on ( -- )  crlf sign-on-text type crlf flush-out ;
+\ The sign-on goes out in one piece: the bridge takes it as the sign of a
+\ board that is up.
+create sign-on-line 80 chars allot
+: sign-on ( -- )
+    sign-on-text >r  sign-on-line 2 + r@ move
+    13 sign-on-line c!  10 sign-on-line 1+ c!
+    13 sign-on-line r@ 2 + + c!  10 sign-on-line r@ 3 + + c!
+    sign-on-line r> 4 + type ;
 
 : COLD ( -- )  flush-out 42 (bye) ;
 : bye ( -- )  COLD ;
@@ -53,8 +59,12 @@ create key-cell 1 chars allot
     dup bl < IF drop false EXIT THEN
     add-char false ;
 
+\ Tells the bridge, on a channel of its own, whether the board is waiting
+\ for a line (2) or working on one (1), so it knows when a break is due.
+: report ( c -- )  stderr emit-file drop ;
+
 : read-line ( -- )
-    0 #tib !  BEGIN board-key take-char UNTIL  input-start-line ;
+    2 report  0 #tib !  BEGIN board-key take-char UNTIL  input-start-line  1 report ;
 
 \ The console as an input source.
 : console-refill ( -- flag )  ok-reply read-line true ;

@@ -23,6 +23,16 @@ QString LogicalName(const QString &name)
     return QDir::cleanPath(path).toUpper();
 }
 
+namespace {
+// A line of a file that is not source at all (a binary opened by mistake)
+// could fill the screen many times over; the box shows its start.
+QString ShownLine(const QString &line)
+{
+    constexpr qsizetype Shown = 1000;
+    return line.size() > Shown ? line.left(Shown) + QStringLiteral("...") : line;
+}
+} // namespace
+
 EditorPool::EditorPool(AppContext &context, EditorViewFactory &factory, QObject *parent)
     : EditorHost(parent), m_context(context), m_factory(factory),
       m_font(QFontDatabase::systemFont(QFontDatabase::FixedFont))
@@ -31,7 +41,12 @@ EditorPool::EditorPool(AppContext &context, EditorViewFactory &factory, QObject 
     m_recent = ReadRecentFiles(m_context.paths.SettingsFile());
 }
 
-EditorPool::~EditorPool() = default;
+EditorPool::~EditorPool()
+{
+    // Windows still open call back into the pool: they go with it.
+    for (const QPointer<QObject> &window : m_alive)
+        delete window.data();
+}
 
 bool EditorPool::IsOpen(int index) const
 {
@@ -184,7 +199,7 @@ void EditorPool::LoadFile(const QString &name)
         if (checkLength && line.size() > MaxLineLength) {
             m_context.prompts.Message(
                 QStringLiteral("The following line has over 80 characters, you should correct it:\n")
-                    + line,
+                    + ShownLine(line),
                 PromptIcon::Exclamation);
         }
         text += RTrim(line);

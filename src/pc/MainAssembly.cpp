@@ -3,6 +3,7 @@
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
 #include "compiler/ui/CompilerWindows.h"
+#include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
 #include "link/ui/frmEmulator.h"
@@ -26,6 +27,31 @@ MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLi
 
 void MainAssembly::InstallEditors()
 {
+    m_editors = new EditorWindows(m_context, m_frame.MdiArea(), this);
+    m_editors->ConnectFrame(&m_frame);
+    EditorPool &pool = m_editors->Pool();
+    Terminal &terminal = m_terminal->Logic();
+    connect(&terminal, &Terminal::OpenInEditor, &pool, &EditorPool::DisplayFile);
+    connect(&pool, &EditorPool::HaltRequested, &terminal, &Terminal::SendInterrupt);
+    connect(&pool, &EditorPool::TerminalFocusRequested, this, [this] {
+        for (QMdiSubWindow *window : m_frame.MdiArea()->subWindowList())
+            if (window->widget() == m_terminal) {
+                m_frame.MdiArea()->setActiveSubWindow(window);
+                m_terminal->setFocus();
+            }
+    });
+    connect(&pool, &EditorPool::ExitRequested, &m_frame, &QWidget::close);
+    connect(&pool, &EditorPool::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    // Exit asks about every changed editor window; Cancel abandons it.
+    m_frame.SetCloseGuard([&pool] { return pool.CloseAll(); });
+}
+
+EditorHost &MainAssembly::Editors()
+{
+    return m_editors->Pool();
 }
 
 void MainAssembly::InstallTerminal()
@@ -66,7 +92,8 @@ void MainAssembly::InstallTerminal()
 
 void MainAssembly::InstallCompiler()
 {
-    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), nullptr, m_frame.MdiArea(), this);
+    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), &m_editors->Pool(), m_frame.MdiArea(),
+                                      this);
     connect(m_compiler, &CompilerWindows::HelpRequested, this, [this] {
         if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
             help->trigger();
@@ -79,11 +106,12 @@ void MainAssembly::InstallCompiler()
 
 void MainAssembly::OpenFirstEditorWindow()
 {
-    auto *editor = new QPlainTextEdit;
-    editor->setObjectName(QStringLiteral("frmNotePad"));
-    QMdiSubWindow *window = m_frame.MdiArea()->addSubWindow(editor);
-    window->setWindowTitle(QStringLiteral("Source code 1"));
-    window->show();
+    EditorPool &pool = m_editors->Pool();
+    const QString current = m_context.settings.currentFile;
+    if (current.left(8) != QLatin1String("Not Used"))
+        pool.OpenFile(current);
+    if (pool.OpenIndexes().isEmpty())
+        pool.FileNew();
 }
 
 void MainAssembly::SwitchPort(int port)

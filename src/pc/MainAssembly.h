@@ -12,6 +12,8 @@ namespace kvr {
 class CompilerWindows;
 class frmMDI;
 class frmEmulator;
+class EditorHost;
+class EditorWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -25,6 +27,8 @@ public:
     Link &BoardLink() { return *m_link; }
     // The terminal window (its logic is the compiler's TerminalHost).
     frmEmulator &TerminalWindow() { return *m_terminal; }
+    // The pool of editor windows, as the compiler drives it.
+    EditorHost &Editors();
 
 private:
     void InstallEditors();
@@ -40,6 +44,7 @@ private:
     PcCommandLine m_commandLine;
     std::unique_ptr<Link> m_link;
     frmEmulator *m_terminal = nullptr;
+    EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
 };
 

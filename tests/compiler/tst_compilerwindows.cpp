@@ -282,6 +282,14 @@ void TestCompilerWindows::ChecksFollowInEveryWindow()
     QCOMPARE(w.f.context->settings.noCompileDisplay, QStringLiteral("ON"));
     QVERIFY(a->findChild<QAction *>("mnuCNoDisplay")->isChecked());
     QVERIFY(w.compiler->Driver().State().noDisplay);
+
+    // A "QUICK ON" line of a compiled file ticks both items everywhere.
+    w.f.context->settings.noCompileDisplay = QStringLiteral("OFF");
+    w.f.context->WriteSettings();
+    QVERIFY(!b->findChild<QAction *>("mnuCNoDisplay")->isChecked());
+    w.compiler->Driver().CompileFile(w.f.Write("MAIN.KVR", {"QUICK ON"}));
+    QVERIFY(a->findChild<QAction *>("mnuCQuick")->isChecked());
+    QVERIFY(b->findChild<QAction *>("mnuCNoDisplay")->isChecked());
 }
 
 void TestCompilerWindows::RecentFilesListed()

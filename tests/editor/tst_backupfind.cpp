@@ -151,6 +151,22 @@ private slots:
         QCOMPARE(int(f->prompts.shown[0].icon), icon);
     }
 
+    void unreadableCandidateEndsTheScan()
+    {
+        // A folder under a backup's name cannot be read: the scan stops there.
+        const int index = LoadPump({1, 5});
+        QVERIFY(QDir().mkpath(f->File(QStringLiteral("PUMP.003.KVR"))));
+        f->pool->Restore(index);
+        QCOMPARE(f->View(index)->backups, QStringList{QStringLiteral("PUMP.001.KVR")});
+        // Without 005 the downward scan of Backup meets 003 first.
+        QVERIFY(QFile::remove(f->File(QStringLiteral("PUMP.005.KVR"))));
+        f->pool->Backup(index);
+        QCOMPARE(f->prompts.shown.size(), 1);
+        QVERIFY(f->prompts.shown[0].text.startsWith(QStringLiteral("Can't make back-up file, ")));
+        QVERIFY(!f->prompts.shown[0].text.contains(QStringLiteral(".999.KVR")));
+        QCOMPARE(f->prompts.shown[0].kind, QStringLiteral("message"));
+    }
+
     void restoreListsEveryBackupWithTheHighestSelected()
     {
         const int index = LoadPump({1, 2, 5});

@@ -402,6 +402,31 @@ private slots:
         QVERIFY(!f->pool->ShowLine(QStringLiteral("/NOT/OPEN.KVR"), 1));
     }
 
+    void insertFile_data()
+    {
+        QTest::addColumn<bool>("exists");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("inserted at the caret, line ends as CR LF") << true << "AB1\r\n2\r\nCD";
+        QTest::newRow("missing file") << false << "ABCD";
+    }
+    void insertFile()
+    {
+        QFETCH(bool, exists);
+        const QString path = f->File(QStringLiteral("INS.TXT"));
+        if (exists)
+            WriteAll(path, "1\n2\r\n");
+        const int index = f->pool->FileNew();
+        f->View(index)->SetText(QStringLiteral("ABCD"));
+        f->View(index)->Select(2, 0);
+        f->prompts.fileNames.enqueue(path);
+        f->pool->InsertFile(index);
+        QCOMPARE(f->prompts.shown[0].caption, QStringLiteral("Insert file"));
+        QTEST(f->pool->Text(index), "text");
+        QCOMPARE(f->pool->FState(index).Dirty, exists);
+        if (!exists)
+            QCOMPARE(f->prompts.MessageTexts(), QStringList{QStringLiteral("Can't open file: ") + path});
+    }
+
     void fileDelete_data()
     {
         QTest::addColumn<bool>("exists");

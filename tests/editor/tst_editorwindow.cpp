@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDialog>
+#include <QFontDatabase>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -77,7 +78,7 @@ private slots:
     void windowHasItsNamesAndAnEmptyCompileMenu()
     {
         QSignalSpy created(&Pool(), &EditorHost::EditorCreated);
-        m_frame->findChild<QAction *>(QStringLiteral("mnuFNew"))->trigger();
+        m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuFNew"))->trigger();
         QCOMPARE(created.count(), 1);
         auto *window = qobject_cast<QWidget *>(created.first().at(1).value<QObject *>());
         QVERIFY(window);
@@ -159,6 +160,19 @@ private slots:
         QTest::keyClick(Edit(index), static_cast<Qt::Key>(key));
         QTEST(Pool().Text(index), "expected");
         QTEST(Pool().SelStart(index), "caretAfter");
+    }
+
+    void shortcutsReachTheWindowMenus()
+    {
+        const QString path = m_dir.filePath(QStringLiteral("KEYS.KVR"));
+        WriteAll(path, "1 2 +\r\n");
+        Pool().OpenFile(path);
+        const int index = Pool().ActiveIndex();
+        Edit(index)->setFocus();
+        QTest::keyClicks(Edit(index), QStringLiteral("DROP "));
+        QTest::keyClick(Edit(index), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(ReadAll(path), QByteArray("DROP 1 2 +\r\n"));
+        QVERIFY(!Pool().FState(index).Dirty);
     }
 
     void undoTakesAnEditBack()
@@ -276,10 +290,10 @@ private slots:
         WriteAll(path, "X\r\n");
         Pool().OpenFile(path);
         const QString logical = LogicalName(path);
-        auto *frameItem = m_frame->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
+        auto *frameItem = m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
         QCOMPARE(frameItem->data().toString(), logical);
         QVERIFY(frameItem->isVisible());
-        QVERIFY(m_frame->findChild<QAction *>(QStringLiteral("mnuRecentFile(0)"))->isVisible());
+        QVERIFY(m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuRecentFile(0)"))->isVisible());
         auto *windowItem = Window(Pool().ActiveIndex())->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
         QCOMPARE(windowItem->data().toString(), logical);
 
@@ -299,6 +313,27 @@ private slots:
         QVERIFY(!Pool().CloseAll());
         QCOMPARE(Pool().OpenIndexes(), QList<int>{index});
         QVERIFY(Window(index)->isVisible());
+    }
+
+    void proportionalFontWarning()
+    {
+        const int index = NewWithText(QStringLiteral("X"));
+        const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        QFont proportional(QStringLiteral("DejaVu Sans"));
+        const QFontMetrics metrics(proportional);
+        if (metrics.horizontalAdvance(QLatin1Char('i')) == metrics.horizontalAdvance(QLatin1Char('M')))
+            QSKIP("no proportional font installed");
+        m_prompts->fonts.enqueue(fixed);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
+        QVERIFY(m_prompts->MessageTexts().isEmpty());
+        QCOMPARE(Edit(index)->font().family(), fixed.family());
+        m_prompts->fonts.enqueue(proportional);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
+        QCOMPARE(m_prompts->MessageTexts(),
+                 QStringList{QStringLiteral("The font '") + proportional.family()
+                             + QStringLiteral("' is proportional so maximum line lengths will be "
+                                              "different depending on content. Monospaced fonts "
+                                              "are usually preferable for source code.")});
     }
 
     void guideAndStatus()

@@ -34,14 +34,15 @@ frmMDI::frmMDI(AppContext &context, QWidget *parent) : QMainWindow(parent), m_co
     });
 }
 
+// Only the frame's own menus: editor windows inside carry items of the same names.
 QAction *frmMDI::Item(const QString &controlName) const
 {
-    return findChild<QAction *>(controlName);
+    return menuBar()->findChild<QAction *>(controlName);
 }
 
 QMenu *frmMDI::Menu(const QString &controlName) const
 {
-    return findChild<QMenu *>(controlName);
+    return menuBar()->findChild<QMenu *>(controlName);
 }
 
 void frmMDI::UpdateCaption()

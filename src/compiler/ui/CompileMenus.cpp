@@ -25,7 +25,13 @@ CompileMenus::CompileMenus(AppContext &context, CompileDriver &driver, EditorHos
             [this](bool on) { SetChecks(QStringLiteral("mnuCQuick"), on); });
     connect(&driver, &CompileDriver::NoCompileDisplayChanged, this,
             [this](bool on) { SetChecks(QStringLiteral("mnuCNoDisplay"), on); });
-    connect(&context, &AppContext::SettingsWritten, this, &CompileMenus::RefreshRecentFiles);
+    // A "QUICK " line in a source file switches both settings too.
+    connect(&context, &AppContext::SettingsWritten, this, [this] {
+        const Settings &s = m_context.settings;
+        SetChecks(QStringLiteral("mnuCQuick"), s.IsOn(s.quickCompile));
+        SetChecks(QStringLiteral("mnuCNoDisplay"), s.IsOn(s.noCompileDisplay));
+        RefreshRecentFiles();
+    });
 }
 
 void CompileMenus::SetEditorHost(EditorHost *editor)

@@ -3,6 +3,7 @@
 #include "editor/ui/frmFind.h"
 #include "editor/ui/frmNotePad.h"
 #include <QAction>
+#include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 
@@ -32,20 +33,27 @@ EditorView *EditorWindows::CreateView(EditorPool &pool, int index)
 void EditorWindows::ConnectFrame(QWidget *frame)
 {
     m_frame = frame;
+    m_frameRecent.clear();
     if (!frame)
         return;
-    auto connectAction = [&](const char *name, auto slot) {
-        if (auto *action = frame->findChild<QAction *>(QString::fromLatin1(name)))
-            connect(action, &QAction::triggered, &m_pool, slot);
-    };
-    connectAction("mnuFNew", &EditorPool::FileNew);
-    connectAction("mnuFOpen", &EditorPool::FileOpenDialog);
-    connectAction("mnuFDelete", &EditorPool::FileDelete);
-    for (int i = 1; i <= RecentFileCount; ++i) {
-        if (auto *action = frame->findChild<QAction *>(QStringLiteral("mnuRecentFile(%1)").arg(i)))
+    // Only the frame's own menus, not those of windows inside it.
+    auto *mainWindow = qobject_cast<QMainWindow *>(frame);
+    QObject *menus = mainWindow && mainWindow->menuWidget() ? static_cast<QObject *>(mainWindow->menuWidget())
+                                                            : static_cast<QObject *>(frame);
+    auto find = [menus](const QString &name) { return menus->findChild<QAction *>(name); };
+    if (QAction *action = find(QStringLiteral("mnuFNew")))
+        connect(action, &QAction::triggered, &m_pool, &EditorPool::FileNew);
+    if (QAction *action = find(QStringLiteral("mnuFOpen")))
+        connect(action, &QAction::triggered, &m_pool, &EditorPool::FileOpenDialog);
+    if (QAction *action = find(QStringLiteral("mnuFDelete")))
+        connect(action, &QAction::triggered, &m_pool, &EditorPool::FileDelete);
+    for (int i = 0; i <= RecentFileCount; ++i) {
+        QAction *action = find(QStringLiteral("mnuRecentFile(%1)").arg(i));
+        m_frameRecent << action;
+        if (action && i > 0)
             connect(action, &QAction::triggered, this, [this, action] {
-                const QString name = action->data().toString();
-                m_pool.OpenFile(name.isEmpty() ? action->text().replace(QLatin1String("&&"), QLatin1String("&")) : name);
+                if (!action->data().toString().isEmpty())
+                    m_pool.OpenFile(action->data().toString());
             });
     }
     ShowFrameRecentFiles(m_pool.RecentFiles());
@@ -53,12 +61,12 @@ void EditorWindows::ConnectFrame(QWidget *frame)
 
 void EditorWindows::ShowFrameRecentFiles(const QStringList &entries)
 {
-    if (!m_frame)
+    if (m_frameRecent.isEmpty())
         return;
     bool any = false;
     for (int i = 1; i <= RecentFileCount && i <= entries.size(); ++i) {
         const QString &entry = entries[i - 1];
-        auto *action = m_frame->findChild<QAction *>(QStringLiteral("mnuRecentFile(%1)").arg(i));
+        QAction *action = m_frameRecent.value(i);
         if (!action || IsUnusedEntry(entry))
             continue;
         QString text = entry;
@@ -68,9 +76,8 @@ void EditorWindows::ShowFrameRecentFiles(const QStringList &entries)
         action->setVisible(true);
         any = true;
     }
-    if (any)
-        if (auto *separator = m_frame->findChild<QAction *>(QStringLiteral("mnuRecentFile(0)")))
-            separator->setVisible(true);
+    if (any && m_frameRecent.value(0))
+        m_frameRecent.value(0)->setVisible(true);
 }
 
 void EditorWindows::ShowFind(const QString &prefill)

@@ -5,6 +5,7 @@
 #include "editor/EditorPool.h"
 #include <QPointer>
 
+class QAction;
 class QMdiArea;
 
 namespace kvr {
@@ -30,6 +31,9 @@ private:
     QMdiArea *m_area;
     EditorPool m_pool;
     QPointer<QWidget> m_frame;
+    // The frame's own mnuRecentFile(0..8), found before editor windows
+    // with items of the same names exist inside it.
+    QList<QPointer<QAction>> m_frameRecent;
     QPointer<frmFind> m_find;
 };
 

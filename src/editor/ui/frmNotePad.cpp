@@ -90,8 +90,11 @@ QAction *frmNotePad::AddAction(QMenu *menu, const QString &name, const QString &
     QAction *action = menu->addAction(text);
     action->setObjectName(name);
     if (!shortcut.isEmpty()) {
+        // Also on the window itself: a menu's shortcut only counts where
+        // the focus lies inside the widget the action belongs to.
         action->setShortcut(shortcut);
         action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        addAction(action);
     }
     return action;
 }
@@ -108,7 +111,8 @@ void frmNotePad::BuildMenus()
             &QAction::triggered, this, [this] { m_pool.Save(m_index); });
     connect(AddAction(file, QStringLiteral("mnuFSaveAs"), tr("Save &As...")), &QAction::triggered,
             this, [this] { m_pool.SaveAs(m_index); });
-    connect(AddAction(file, QStringLiteral("mnuFClose"), tr("&Close")), &QAction::triggered, this,
+    connect(AddAction(file, QStringLiteral("mnuFClose"), tr("&Close"),
+                      QKeySequence(Qt::CTRL | Qt::Key_F4)), &QAction::triggered, this,
             [this] { Close(); });
     file->addSeparator();
     connect(AddAction(file, QStringLiteral("mnuFInsert"), tr("&Insert file...")),

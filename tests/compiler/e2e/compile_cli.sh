@@ -148,7 +148,7 @@ echo "$out" | tail -n 1 | grep -q '"event":"summary".*"exit":1.*"lines_sent":2.*
     || fail "json summary: $out"
 
 # --- Ctrl-C halts a long compile as F2 does
-for i in $(seq 1 3000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
+for i in $(seq 1 20000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
 "$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$port" \
     > "$work/halt.out" 2> "$work/err" &
 kvr_pid=$!
@@ -160,7 +160,22 @@ kill -INT "$kvr_pid"
 wait "$kvr_pid"
 expect_eq "$?" 4 "halted exit status"
 expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report"
-grep -q "^: W3000 " "$work/board.log" && fail "halt did not stop the compile"
+grep -q "^: W20000 " "$work/board.log" && fail "halt did not stop the compile"
+
+# --- the same program over a serial port (a pseudo-terminal board)
+"$BIN/kvr-board" --pty --link "$work/ttyKVR" > "$work/pty.out" 2> "$work/pty.err" &
+pty_pid=$!
+for _ in $(seq 1 200); do
+    [ -e "$work/ttyKVR" ] && grep -q '^pty ' "$work/pty.out" && break
+    sleep 0.05
+done
+printf '\r\n[Serial devices]\r\nCOM5=%s\r\n' "$work/ttyKVR" >> "$settings/KVR-PC.INI"
+out=$("$BIN/kvr" --settings-dir "$settings" compile "$work/src/Main.kvr" --port COM5 2> "$work/err")
+expect_eq "$?" 0 "serial compile exit status"
+echo "$out" | tail -n 1 | grep -Eq "^$main_short - FINISHED at [0-9A-F]{1,4}$" || fail "serial: $out $(cat "$work/err")"
+kill "$pty_pid"; wait "$pty_pid" 2>/dev/null
+"$BIN/kvr" --settings-dir "$settings" compile "$work/src/Main.kvr" --port COM5 > /dev/null 2>&1
+expect_eq "$?" 2 "vanished serial port exit status"
 
 # The settings file is never changed by the command line.
 grep -q "Quick compile" "$settings/KVR-PC.INI" && fail "settings were written"

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
+
+namespace kvr::test {
+
+// Runs the kvr-board program of the build for one test.
+class BoardRunner {
+public:
+    BoardRunner();
+    ~BoardRunner();
+
+    static QString Program();
+
+    // Starts it and waits for its ready line; false (with the reason in
+    // Failure()) when it ends or stays silent instead.
+    bool Start(const QStringList &args);
+    // Runs it to its end, for the cases where it must refuse to start.
+    int RunToEnd(const QStringList &args, int timeoutMs = 10000);
+    // SIGTERM, then its exit code (-1 when it did not end normally).
+    int Stop();
+
+    void SetEnvironment(const QProcessEnvironment &env) { m_process.setProcessEnvironment(env); }
+    QString ReadyLine() const { return m_readyLine; }
+    quint16 Port() const;
+    QString PtyPath() const;
+    // The heartbeat port it reported on stderr, 0 when none.
+    quint16 HeartbeatPort();
+    QByteArray Stderr();
+    QString Failure() const { return m_failure; }
+    qint64 Pid() const { return m_process.processId(); }
+
+private:
+    QProcess m_process;
+    QString m_readyLine;
+    QByteArray m_stderr;
+    QString m_failure;
+};
+
+}  // namespace kvr::test

@@ -1,0 +1,91 @@
+// Our sample programs compile on every board type, sent line by line as
+// the PC's compiler sends them, and then do what they say.
+#include "BoardRunner.h"
+#include "WireClient.h"
+
+#include <QtTest>
+
+#include <QDir>
+#include <QFile>
+
+using kvr::test::BoardRunner;
+using kvr::test::WireClient;
+
+namespace {
+
+QString ExamplesFolder()
+{
+    return qEnvironmentVariable("KVR_SOURCE_DIR") + QStringLiteral("/examples");
+}
+
+// The lines the PC sends for a file: comments and empty lines stay on the
+// PC, an INCLUDE line is replaced by the included file.
+QByteArrayList BoardLines(const QString &name)
+{
+    QFile file(QDir(ExamplesFolder()).filePath(name));
+    if (!file.open(QIODevice::ReadOnly))
+        return {QByteArray("MISSING-FILE-") + name.toLatin1()};
+    QByteArrayList lines;
+    for (QByteArray line : file.readAll().split('\n')) {
+        while (line.endsWith('\r') || line.endsWith(' '))
+            line.chop(1);
+        if (line.trimmed().isEmpty() || line.trimmed().startsWith('\\'))
+            continue;
+        if (line.startsWith("INCLUDE ")) {
+            QByteArray included = line.mid(8);
+            const qsizetype comment = included.indexOf(" \\");
+            if (comment >= 0)
+                included.truncate(comment);
+            lines << BoardLines(QString::fromLatin1(included.trimmed().toUpper()) + QStringLiteral(".KVR"));
+        } else {
+            lines << line;
+        }
+    }
+    return lines;
+}
+
+}  // namespace
+
+class TestBoardExamples : public QObject {
+    Q_OBJECT
+private slots:
+    void examplesCompileAndRun_data();
+    void examplesCompileAndRun();
+};
+
+void TestBoardExamples::examplesCompileAndRun_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QByteArray>("run");
+    QTest::addColumn<QByteArray>("shows");
+    for (const char *type : {"4410ANS", "4410Fig", "6630Fig"}) {
+        QTest::addRow("HELLO on %s", type) << "HELLO.KVR" << type << QByteArray("HELLO")
+                                           << QByteArray("Hello from the KVR board");
+        QTest::addRow("SQUARES on %s", type) << "SQUARES.KVR" << type << QByteArray("4 SQUARES")
+                                             << QByteArray("   4     16       64");
+    }
+}
+
+void TestBoardExamples::examplesCompileAndRun()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, type);
+    QFETCH(QByteArray, run);
+    QFETCH(QByteArray, shows);
+
+    BoardRunner board;
+    QVERIFY2(board.Start({"--type", type, "--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
+    auto wire = WireClient::ConnectTcp(board.Port());
+    QVERIFY(wire);
+    for (const QByteArray &line : BoardLines(file)) {
+        const QByteArray reply = wire->Converse(line);
+        QVERIFY2(reply.endsWith(" ok") && !reply.contains("NOT UNIQUE"), reply.constData());
+    }
+    wire->Send(run + '\r');
+    const QByteArrayList output = wire->ReadReply();
+    QVERIFY2(output.contains(shows), output.join('\n').constData());
+}
+
+QTEST_GUILESS_MAIN(TestBoardExamples)
+#include "tst_board_examples.moc"
