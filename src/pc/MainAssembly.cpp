@@ -11,9 +11,38 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QPlainTextEdit>
+#include <QTimer>
+#include <QWindow>
 
 namespace kvr {
+
+namespace {
+// Lets a shown window reach the screen and paint. The board's start-up
+// commands block while they wait for a reply; without this a silent board
+// leaves the frame unpainted for the whole time-out.
+void PaintBeforeBlocking(QWidget &window)
+{
+    QWindow *handle = window.windowHandle();
+    if (!window.isVisible() || !handle)
+        return;
+    if (!handle->isExposed()) {
+        QEventLoop loop;
+        QTimer poll;
+        const QDeadlineTimer deadline(2000);
+        QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+            if (handle->isExposed() || deadline.hasExpired())
+                loop.quit();
+        });
+        poll.start(10);
+        loop.exec();
+    }
+    // Paints what was added after the first exposure (the child windows).
+    QCoreApplication::processEvents();
+}
+}
 
 MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLine &commandLine)
     : QObject(&frame), m_context(context), m_frame(frame), m_commandLine(commandLine),
@@ -166,6 +195,7 @@ void MainAssembly::Start()
     // The terminal's load handler opens the configured link first.
     m_terminal->Load();
     OpenFirstEditorWindow();
+    PaintBeforeBlocking(m_frame);
     if (!m_commandLine.simulatorHost.isEmpty())
         ConnectToBoard();
     else if (m_context.settings.openingDialogue != QLatin1String("OFF"))

@@ -54,7 +54,8 @@ exit_pc "$frame"
 
 # Over a serial port: COM5 bound to the board's pseudo-terminal.
 "$KVR_BIN_DIR/kvr-board" --pty >"$E2E_DIR/pty.out" 2>"$E2E_DIR/pty.err" &
-E2E_PIDS+=($!)
+pty_board=$!
+E2E_PIDS+=($pty_board)
 wait_until 10 grep -q '^pty ' "$E2E_DIR/pty.out" || fail "kvr-board --pty did not start"
 pty=$(sed -n 's/^pty //p' "$E2E_DIR/pty.out")
 SETTINGS_DIR="$E2E_DIR/serial-settings"
@@ -65,4 +66,23 @@ start_pc
 frame=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM5$')
 capture_answer "$frame" serial
 exit_pc "$frame"
+
+# A board that does not answer (its bridge stopped): the frame is painted
+# while the start-up line waits out the reply time-out.
+kill -STOP "$pty_board"
+trap 'kill -CONT "$pty_board" 2>/dev/null; e2e_cleanup' EXIT
+printf '[Parameters]\r\nCommunications port=COM5\r\nOpening dialogue=OFF\r\nTimeout=8000\r\nIntercharacter delay - KVR4410=0\r\n[Serial devices]\r\nCOM5=%s\r\n' \
+    "$pty" >"$SETTINGS_DIR/KVR-PC.INI"
+start_pc
+frame=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM5$')
+painted() {
+    import -window "$frame" "$E2E_DIR/silent.png" 2>/dev/null || return 1
+    [ "$(convert "$E2E_DIR/silent.png" -format %k info:)" -gt 16 ]
+}
+wait_until 5 painted || fail "frame not painted while the board is silent"
+has_window '^KVR-PC for Windows$' && fail "the time-out ran out before the frame was painted"
+screenshot silent-board
+keys "$(wait_window 20 '^KVR-PC for Windows$')" Return   # "KVR4410ANS NOT RESPONDING. ..."
+exit_pc "$frame"
+kill -CONT "$pty_board"
 echo "terminal: ok"
