@@ -8,8 +8,8 @@
 namespace kvr {
 
 namespace {
-// The heartbeat's failure is told only while the data connection stands;
-// when the board itself went away the data socket's message says it all.
+// A board that goes away closes both sockets at once; the heartbeat's report
+// waits this long to learn whether the data socket's message already told it.
 constexpr int HeartbeatReportDelayMs = 200;
 }
 
@@ -24,6 +24,7 @@ LinkController::LinkController(AppContext &context, Link &link, QObject *parent)
     });
     connect(&m_tcp, &TcpTransport::ClientError, this, &LinkController::OnClientError);
     connect(&m_tcp, &TcpTransport::HeartbeatError, this, &LinkController::OnHeartbeatError);
+    connect(&m_tcp, &Transport::LinkLost, this, [this] { m_tcpLost = true; });
     connect(&m_serial, &Transport::LinkLost, this, &LinkController::OnSerialLost);
     connect(&m_serial, &SerialTransport::PortError, this, &LinkController::SerialFault);
 }
@@ -65,6 +66,7 @@ bool LinkController::OpenSerial()
 void LinkController::ConnectRemote()
 {
     UsePort(0);
+    m_tcpLost = false;
     const Settings &s = m_context.settings;
     m_tcp.Connect(s.remoteIp, static_cast<quint16>(Val(s.remotePort)));
     const quint32 started = m_context.clock.TickCount();
@@ -159,7 +161,7 @@ void LinkController::OnClientError(const QString &description)
 void LinkController::OnHeartbeatError(const QString &description)
 {
     QTimer::singleShot(HeartbeatReportDelayMs, this, [this, description] {
-        if (!m_tcp.IsConnected() && m_tcp.Client().state() != QAbstractSocket::ConnectingState)
+        if (m_tcpLost)
             return;
         const QChar lf(10);
         m_context.prompts.Message(QStringLiteral("TCP/IP connection error") + lf + lf

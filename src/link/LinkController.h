@@ -72,6 +72,8 @@ private:
     TcpTransport m_tcp;
     QString m_status;
     double m_connectLimit = 30.0;
+    // The data connection broke after it stood: reported already.
+    bool m_tcpLost = false;
 };
 
 } // namespace kvr

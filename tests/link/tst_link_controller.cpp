@@ -212,11 +212,15 @@ private slots:
         f.controller.SelectPort(0);
         QVERIFY(!f.controller.IsTcpConnected());
         QCOMPARE(f.controller.StatusText(), QStringLiteral("Remote KVR computer - not connected"));
-        QTest::qWait(300); // a heartbeat message would come within this
-        QCOMPARE(f.prompts.MessageTexts().size(), 1);
+        // Each socket's failure is its own message: the data port's first.
+        QTRY_COMPARE(f.prompts.MessageTexts().size(), 2);
         QVERIFY(f.prompts.MessageTexts().first().startsWith(
             "TCP/IP connection error\n\nFailed when trying to connect to IP address 127.0.0.1, port "
             + QString::number(port) + ".\n"));
+        QVERIFY(f.prompts.MessageTexts().at(1).startsWith(
+            "TCP/IP connection error\n\nFailed when trying to connect heartbeat port.\n"));
+        for (const RecordedPrompt &box : f.prompts.shown)
+            QCOMPARE(box.icon, PromptIcon::Exclamation);
         f.link.SendText(QStringLiteral("lost"), true); // silently nothing
         QCOMPARE(f.link.BytesAvailable(), 0);
     }
