@@ -249,6 +249,32 @@ private slots:
         if (!lines.isEmpty())
             QCOMPARE(f.board.writes.first(), QByteArray("\r")); // the lone CR goes alone
     }
+
+    void startupWakeUpIsPausedAndItsReplyDropped_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::newRow("4410ANS") << "4410ANS";
+        QTest::newRow("6630Fig") << "6630Fig";
+    }
+    void startupWakeUpIsPausedAndItsReplyDropped()
+    {
+        // The board answers the lone carriage return only: a reply still
+        // waiting from it must not pass for the answer to the next line.
+        QFETCH(QString, type);
+        test::LinkFixture f;
+        f.context.settings.computerType = type;
+        QList<quint32> sentAt;
+        f.board.SetResponder([&](const QByteArray &line) {
+            sentAt << f.clock.ticks;
+            return line.isEmpty() ? QByteArray(" ok\r\n") : QByteArray();
+        });
+        Terminal terminal(f.context, f.link);
+        SendStartupCommands(f.link, terminal, QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)));
+        QCOMPARE(sentAt.size(), type == QLatin1String("6630Fig") ? 3 : 2);
+        QVERIFY2(sentAt.at(1) - sentAt.at(0) >= 200, qPrintable(QString::number(sentAt.at(1) - sentAt.at(0))));
+        QCOMPARE(f.prompts.MessageTexts().size(), sentAt.size() - 1);
+        QVERIFY(f.prompts.MessageTexts().first().startsWith("KVR" + type + " NOT RESPONDING."));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestLinkPrimitives)
