@@ -286,6 +286,55 @@ private slots:
         QCOMPARE(f.prompts.MessageTexts().size(), 2);
     }
 
+    void connectFromDialogGreetsAConnectedBoard()
+    {
+        Fixture f;
+        f.ListenBoth();
+        QList<QByteArray> lines;
+        QByteArray partial;
+        QObject::connect(&f.data, &QTcpServer::newConnection, &f.data, [&] {
+            QTcpSocket *board = f.data.nextPendingConnection();
+            QObject::connect(board, &QTcpSocket::readyRead, board, [board, &lines, &partial] {
+                partial += board->readAll();
+                qsizetype cr;
+                while ((cr = partial.indexOf('\r')) >= 0) {
+                    lines << partial.left(cr);
+                    partial.remove(0, cr + 1);
+                    board->write(" ok\r\n");
+                }
+            });
+        });
+        QSignalSpy forward(&f.controller, &LinkController::BringTerminalForward);
+        QElapsedTimer elapsed;
+        elapsed.start();
+        f.controller.ConnectFromDialog(QStringLiteral("127.0.0.1"), f.context.settings.remotePort);
+        QVERIFY(elapsed.elapsed() >= 1000); // 0.8 s after connecting, 0.2 s after the wake-up
+        QCOMPARE(lines.size(), 2);
+        QCOMPARE(lines.at(0), QByteArray());
+        QVERIFY2(QRegularExpression(QStringLiteral("^ {8}DECIMAL \\d+ \\d+ \\d{4} NOW \\d+ \\d+ \\d+ HRS W! START$"))
+                     .match(QString::fromLatin1(lines.at(1)))
+                     .hasMatch(),
+                 lines.at(1).constData());
+        QCOMPARE(f.prompts.MessageTexts().size(), 1); // "Connected to IP address ..."
+        QCOMPARE(forward.size(), 1);
+        QCOMPARE(f.context.settings.commPort, QStringLiteral("COM0"));
+        QCOMPARE(f.context.settings.remotePort, QString::number(f.data.serverPort()));
+    }
+
+    void connectFromDialogToNothingSendsNothing()
+    {
+        Fixture f;
+        f.context.settings.remotePort = QString::number(UnusedPort());
+        f.controller.Tcp().SetHeartbeatPort(0);
+        QSignalSpy forward(&f.controller, &LinkController::BringTerminalForward);
+        f.controller.ConnectFromDialog(QStringLiteral("127.0.0.1"), f.context.settings.remotePort);
+        QVERIFY(!f.controller.IsTcpConnected());
+        // Only the connection error: no start-up line waited for in vain.
+        QCOMPARE(f.prompts.MessageTexts().size(), 1);
+        QVERIFY(f.prompts.MessageTexts().first().startsWith(QStringLiteral("TCP/IP connection error")));
+        QCOMPARE(forward.size(), 1);
+    }
+
     void disconnectFromDialog()
     {
         Fixture f;
