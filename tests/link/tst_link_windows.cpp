@@ -72,6 +72,32 @@ private slots:
         QVERIFY(window.Logic().Screen().VisibleColumns() > columns);
     }
 
+    void paintsAnyBytes()
+    {
+        // Every byte value, NULs and a cursor sent up past the top: the
+        // window paints without failing and keeps its colours.
+        test::LinkFixture f;
+        f.context.settings.quiet = QStringLiteral("ON");
+        f.context.settings.SetColor(ColorWindow::Emulator, false, QColor(0, 0, 128));
+        frmEmulator window(f.context, f.link);
+        window.resize(300, 200);
+        window.show();
+        QByteArray bytes;
+        for (int round = 0; round < 200; ++round)
+            for (int code = 0; code < 256; ++code)
+                bytes += char((code * 7 + round) & 0xFF);
+        bytes += QByteArray(5000, '\0') + QByteArray(300, '\x1e');
+        f.board.Inject(bytes);
+        window.Logic().ShowReceived();
+        const QImage image = window.grab().toImage();
+        int background = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width() / 2; ++x)
+                background += image.pixelColor(x, y) == QColor(0, 0, 128);
+        QVERIFY(background > 0);
+        QCOMPARE(f.link.BytesAvailable(), 0);
+    }
+
     void scrollBackPaging()
     {
         test::LinkFixture f;

@@ -197,6 +197,7 @@ private slots:
         QVERIFY(terminal.IsCapturing());
         QCOMPARE(f.prompts.shown.at(0).kind, QStringLiteral("save"));
         QCOMPARE(f.prompts.shown.at(0).caption, QStringLiteral("Capture to file"));
+        QCOMPARE(f.prompts.shown.at(0).text, QStringLiteral("Capture files (*.cap);;All files (*.*)"));
         QCOMPARE(f.prompts.shown.at(0).items.first(), QDir::current().filePath(QStringLiteral("TEMP.CAP")));
         QCOMPARE(f.prompts.MessageTexts(),
                  QStringList{"Now capturing input and appending it to end of file " + path});
@@ -229,6 +230,91 @@ private slots:
         QVERIFY(!terminal.IsCapturing());
         QCOMPARE(f.prompts.MessageTexts(), QStringList{path + "Can't open file "});
         QCOMPARE(f.context.settings.captureToDisk, NotUsed);
+    }
+
+    void garbageNeverBreaksTheScreen_data()
+    {
+        QTest::addColumn<QByteArray>("stream");
+        QByteArray random(200000, Qt::Uninitialized);
+        quint32 seed = 12345;
+        for (char &c : random) {
+            seed = seed * 1103515245u + 12345u;
+            c = char(seed >> 16);
+        }
+        QTest::newRow("random bytes") << random;
+        QTest::newRow("NUL bytes") << QByteArray(100000, '\0');
+        QTest::newRow("only cursor moves") << QByteArray(50000, '\x1e') + QByteArray(50000, '\x1c');
+        QTest::newRow("backspaces and form feeds") << QByteArray("x\x08\x08\x0c\x08", 5).repeated(10000);
+    }
+    void garbageNeverBreaksTheScreen()
+    {
+        QFETCH(QByteArray, stream);
+        test::LinkFixture f;
+        f.context.settings.quiet = QStringLiteral("ON");
+        Terminal terminal(f.context, f.link);
+        f.board.Inject(stream);
+        terminal.ShowReceived();
+        const ScreenModel &screen = terminal.Screen();
+        QVERIFY(screen.Row() >= 0 && screen.Row() < screen.Rows());
+        QVERIFY(screen.Column() >= 0 && screen.Column() <= ScreenModel::LineLength);
+        for (int r = 0; r < screen.Rows(); ++r)
+            QCOMPARE(screen.Line(r).size(), qsizetype(ScreenModel::LineLength));
+        QCOMPARE(f.link.BytesAvailable(), 0);
+        // Still a working terminal afterwards.
+        f.board.Inject("\x0cok");
+        terminal.ShowReceived();
+        QCOMPARE(screen.ScreenText(), QStringLiteral("ok"));
+    }
+
+    void captureOnAFullDiskGoesOn()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        const QString path = f.dir.filePath(QStringLiteral("FULL.CAP"));
+        f.prompts.fileNames.enqueue(path);
+        terminal.ToggleCapture();
+        QVERIFY(terminal.IsCapturing());
+        f.prompts.Clear();
+        {
+            test::FileSizeLimit full(4096);
+            for (int i = 0; i < 20; ++i) {
+                f.board.Inject(QByteArray(1000, 'x') + "\r\n");
+                terminal.ShowReceived();
+            }
+            // Painting goes on: 1000 characters are 12 rows of 80 and one of 40.
+            QCOMPARE(terminal.Screen().Text(terminal.Screen().Row() - 1), QString(40, QLatin1Char('x')));
+            // Write errors are not reported; the capture stops as usual and
+            // keeps what fitted.
+            QCOMPARE(f.prompts.MessageTexts(), QStringList());
+            f.prompts.answers.enqueue(PromptAnswer::No);
+            terminal.ToggleCapture();
+            QVERIFY(!terminal.IsCapturing());
+            QCOMPARE(f.prompts.MessageTexts().size(), 1);
+        }
+        const QByteArray kept = test::ReadAll(path);
+        QVERIFY2(kept.size() > 0 && kept.size() <= 4096, qPrintable(QString::number(kept.size())));
+        QVERIFY(kept.startsWith(QByteArray(1000, 'x') + "\r\n"));
+    }
+
+    void linkDropsMidCapture()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        const QString path = f.dir.filePath(QStringLiteral("DROP.CAP"));
+        f.prompts.fileNames.enqueue(path);
+        terminal.ToggleCapture();
+        f.board.Inject("before\r\n");
+        terminal.ShowReceived();
+        f.board.Inject("lost");
+        f.board.SetUsable(false);
+        for (int i = 0; i < 10; ++i)
+            terminal.Tick();
+        terminal.KeyTyped(QStringLiteral("2 .\r"));
+        QVERIFY(terminal.IsCapturing());
+        f.prompts.answers.enqueue(PromptAnswer::Yes);
+        terminal.ToggleCapture();
+        QCOMPARE(test::ReadAll(path), QByteArray("before\r\n"));
+        QCOMPARE(terminal.Screen().Text(0), QStringLiteral("before"));
     }
 
     void colorsChosenAndSaved()
