@@ -10,11 +10,11 @@ source "$(dirname "$0")/lib.sh"
 capture_answer() {
     local frame=$1 name=$2
     local capture="$E2E_DIR/$name.cap"
-    keys "$frame" alt+f
-    sleep 0.3
-    keys "$frame" c
-    wait_window 10 '^Capture to file$' >/dev/null
-    sleep 0.3
+    # The menu opens on Alt+F before the item's letter is handled.
+    keys "$frame" alt+f c
+    local dialog
+    dialog=$(wait_window 10 '^Capture to file$')
+    xdotool windowactivate --sync "$dialog" 2>/dev/null || true
     xdotool key --delay 20 ctrl+a
     xdotool type --delay 10 "$capture"
     xdotool key Return
@@ -29,16 +29,12 @@ capture_answer() {
         || fail "$name: no answer 5 in the capture: $(cat -v "$capture")"
     screenshot "$name"
 
-    keys "$frame" alt+f
-    sleep 0.3
-    keys "$frame" c
+    keys "$frame" alt+f c
     keys "$(wait_window 10 '^KVR-PC for Windows$')" Escape
 }
 
 exit_pc() {
-    keys "$1" alt+f
-    sleep 0.3
-    keys "$1" x
+    keys "$1" alt+f x
     wait_exit 10 "$PC_PID" || fail "kvr-pc did not exit"
 }
 

@@ -207,7 +207,8 @@ private slots:
             QTest::qWait(20);
         }
         QVERIFY(!f.controller.IsTcpConnected());
-        QTest::qWait(400); // a second report would come within this
+        // A second report (the heartbeat's) would come within this.
+        QVERIFY(!QTest::qWaitFor([&] { return f.prompts.MessageTexts().size() > 1; }, 400));
         QCOMPARE(f.prompts.MessageTexts().size(), 1);
         QVERIFY(f.prompts.MessageTexts().first().startsWith(QStringLiteral("TCP/IP connection error\n\n")));
         // The program goes on: typing and ticking do nothing harmful.
