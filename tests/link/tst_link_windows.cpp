@@ -189,6 +189,22 @@ private slots:
         QCOMPARE(f.context.settings.remotePort, QString::number(gateway.serverPort()));
         dialog.findChild<QPushButton *>(QStringLiteral("cmdDisconnect"))->click();
         QVERIFY(!terminal.Controller().IsTcpConnected());
+
+        // A refused connection keeps the dialog open with its status line;
+        // Cancel closes it.
+        const quint16 refused = gateway.serverPort();
+        gateway.close();
+        dialog.setResult(0);
+        dialog.show();
+        f.prompts.Clear();
+        dialog.findChild<QPushButton *>(QStringLiteral("cmdConnect"))->click();
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("lblStatus"))->text(),
+                 QStringLiteral("Remote KVR computer - not connected"));
+        QVERIFY(f.prompts.MessageTexts().first().contains(", port " + QString::number(refused) + "."));
+        dialog.findChild<QPushButton *>(QStringLiteral("cmdCancel"))->click();
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
     }
 };
 
