@@ -1,5 +1,6 @@
 #include "link/SerialTransport.h"
 #include <QFileInfo>
+#include <poll.h>
 
 namespace kvr {
 
@@ -8,6 +9,14 @@ namespace {
 constexpr qint64 DeviceCheckMs = 200;
 // What the port's own read buffer may hold between two polls.
 constexpr qint64 InputBufferSize = 32000;
+
+// The line's state now, without waiting: POLLHUP or POLLERR when the device
+// went away, no POLLOUT while its output buffer is full.
+short LineEvents(qintptr handle)
+{
+    pollfd line{static_cast<int>(handle), POLLOUT, 0};
+    return ::poll(&line, 1, 0) > 0 ? line.revents : 0;
+}
 }
 
 SerialTransport::SerialTransport(QObject *parent) : Transport(parent)
@@ -100,16 +109,40 @@ void SerialTransport::Write(const QByteArray &bytes)
 {
     if (!m_port.isOpen())
         return;
-    const qint64 written = m_port.write(bytes);
+    if (m_port.write(bytes) != bytes.size()) {
+        Lose(m_port.errorString());
+        return;
+    }
+    PushOut();
+}
+
+void SerialTransport::PushOut()
+{
+    if (!m_port.isOpen() || m_port.bytesToWrite() == 0)
+        return;
+    const short events = LineEvents(m_port.handle());
+    if (events & (POLLHUP | POLLERR | POLLNVAL)) {
+        Lose(QStringLiteral("device %1 hung up").arg(m_devicePath));
+        return;
+    }
+    // A board that takes its input slowly (or not at all) fills the line's
+    // buffer: the bytes wait in the port's queue for the next push.
+    if (!(events & POLLOUT))
+        return;
     // Hand the bytes to the system now, so the busy loop between characters
     // paces the wire and not Qt's buffer.
-    const bool flushed = written == bytes.size() && (m_port.flush() || m_port.bytesToWrite() == 0);
-    if (!flushed || m_port.error() == QSerialPort::WriteError || m_port.error() == QSerialPort::ResourceError)
-        Lose(m_port.errorString());
+    if (!m_port.flush()) {
+        if (m_port.error() == QSerialPort::WriteError) {
+            Lose(m_port.errorString());
+            return;
+        }
+        m_port.clearError(); // the buffer filled between the look and the write
+    }
 }
 
 void SerialTransport::Poll()
 {
+    PushOut();
     if (!m_port.isOpen())
         return;
     m_port.waitForReadyRead(0);

@@ -1,7 +1,9 @@
 #pragma once
 // The board on a serial port. Reception is polled without blocking and
-// without relying on the port's read notifier; an unplugged adapter (write
-// error, device path gone, port error) closes the port and is reported once.
+// without relying on the port's read notifier; an unplugged adapter (line
+// hung up, write error, device path gone, port error) closes the port and is
+// reported once. A board that is slow to take its input is not unplugged:
+// output then waits in the port's queue.
 #include "link/Transport.h"
 #include <QElapsedTimer>
 #include <QSerialPort>
@@ -34,6 +36,8 @@ protected:
 
 private:
     void Lose(const QString &reason);
+    // Hands queued output to the system as far as the line takes it now.
+    void PushOut();
     bool DeviceVanished();
 
     QSerialPort m_port;

@@ -426,6 +426,35 @@ private slots:
         QCOMPARE(pty.ReadUntil("\r"), QByteArray("SLOW\r"));
     }
 
+    void serialBoardThatStopsReadingIsNotUnplugged()
+    {
+        // A board that takes nothing in fills the line's buffers; that is
+        // a slow board, not a lost device.
+        Pty pty;
+        Fixture f;
+        f.context.settings.serialDevices[QStringLiteral("COM7")] = pty.path;
+        f.controller.SelectPort(7);
+        QVERIFY(f.controller.Serial().IsUsable());
+        for (int i = 0; i < 20; ++i)
+            f.link.SendText(QString(10000, QLatin1Char('x')), true);
+        QVERIFY(f.controller.Serial().IsUsable());
+        QCOMPARE(f.prompts.MessageTexts(), QStringList());
+        // Once the board reads again everything arrives, whole and in order.
+        QByteArray got;
+        const qsizetype total = 20 * 10001;
+        QDeadlineTimer deadline(10000);
+        while (got.size() < total && !deadline.hasExpired()) {
+            char buffer[4096];
+            const ssize_t n = ::read(pty.master, buffer, sizeof buffer);
+            if (n > 0)
+                got.append(buffer, n);
+            else
+                f.link.BytesAvailable(); // the terminal's next poll
+        }
+        QCOMPARE(got, (QByteArray(10000, 'x') + '\r').repeated(20));
+        QVERIFY(f.controller.Serial().IsUsable());
+    }
+
     void serialUnplugReportedOnce()
     {
         Pty pty;
