@@ -1,6 +1,7 @@
 #include "link/Terminal.h"
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 
 namespace kvr {
 
@@ -35,7 +36,12 @@ void Terminal::ShowReceived()
     if (m_inShowReceived || m_link.IsWaiting())
         return;
     m_inShowReceived = true;
-    while (m_inputTimerEnabled && !m_link.IsWaiting() && m_link.BytesAvailable() >= 1) {
+    // A board that never stops talking must not keep the program inside
+    // this loop (it could not even quit): what is left waits for the next tick.
+    QElapsedTimer spent;
+    spent.start();
+    while (m_inputTimerEnabled && !m_link.IsWaiting() && spent.elapsed() < ShowBudgetMs
+           && m_link.BytesAvailable() >= 1) {
         ShowBytes(m_link.ReadBytes());
         QCoreApplication::processEvents();
     }

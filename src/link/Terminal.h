@@ -23,6 +23,8 @@ public:
     static constexpr int SerialErrorTicks = 200;
     // Bytes painted between two yields to the event loop inside one batch.
     static constexpr int YieldEvery = 16384;
+    // The longest one ShowReceived paints before it returns to the caller.
+    static constexpr int ShowBudgetMs = 250;
 
     Terminal(AppContext &context, Link &link, QObject *parent = nullptr);
     ~Terminal() override;

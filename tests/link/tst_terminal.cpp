@@ -107,6 +107,25 @@ private slots:
         QCOMPARE(f.prompts.beeps, 1);
     }
 
+    void endlessStreamStillReturns()
+    {
+        // A board printing in a loop as fast as the link allows: each tick
+        // paints and returns, so the event loop (and quitting) goes on.
+        struct EndlessBoard : MemoryTransport {
+            void Poll() override
+            {
+                MemoryTransport::Poll();
+                m_received += QByteArray(8192, 'x') + "\r\n";
+            }
+        } board;
+        test::LinkFixture f;
+        f.link.SetTransport(&board);
+        Terminal terminal(f.context, f.link);
+        terminal.Tick();
+        QVERIFY(board.polls > 1);
+        QVERIFY(terminal.Screen().ScreenText().contains(QString(80, QLatin1Char('x'))));
+    }
+
     void timerOffLeavesBytesToTheOtherReader()
     {
         test::LinkFixture f;
