@@ -8,13 +8,9 @@ require ./memory.fs
 require ./clock.fs
 require ./console.fs
 
-\ The board's dictionary ends below $10000.
-: ?room ( -- )
-    here dict-base @ - host/board / board-room $40 - u> IF -8 throw THEN ;
-
 \ A redefinition is reported the way the board does and accepted.
 : board-header ( -- )
-    ?room  defers header
+    $100 ?room  defers header
     last @ ?dup IF
         name>string 2dup current @ search-wordlist
         IF drop type ."  NOT UNIQUE " ELSE 2drop THEN

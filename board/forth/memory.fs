@@ -25,6 +25,12 @@ variable board-start   \ its 16-bit board address
         nip host/board / board-start @ + EXIT THEN drop
     dup low-ram - dup board-start @ u< IF nip EXIT THEN drop ;
 
+\ The board's dictionary ends below $10000 (checked once the board is up).
+: ?room ( u -- )
+    dict-base @ 0= IF drop EXIT THEN
+    here + dict-base @ - host/board / board-room u> IF -8 throw THEN ;
+: allot ( n -- )  dup 0> IF dup ?room THEN allot ;
+
 : @ ( addr -- x )  >real @ ;
 : ! ( x addr -- )  >real ! ;
 : c@ ( addr -- c )  >real c@ ;
