@@ -7,6 +7,7 @@
 #include "app/Prompts.h"
 #include "app/Settings.h"
 #include <QObject>
+#include <optional>
 
 namespace kvr {
 
@@ -26,6 +27,10 @@ public:
     CompileOutcome compileOutcome = CompileOutcome::Running;
 
     void ReadSettings();
+    // Uses the board at host:port over TCP for this run only: the saved
+    // link settings are written back unchanged unless the user changes the
+    // link during the run.
+    void SetSessionLink(const QString &host, const QString &port);
     // Writes the whole record; a failed write is reported once per run.
     void WriteSettings();
 
@@ -34,6 +39,11 @@ signals:
 
 private:
     bool m_writeFailureShown = false;
+    struct SessionLink {
+        QString commPort, remoteIp, remotePort;             // as saved
+        QString sessionPort, sessionIp, sessionRemotePort;  // as used this run
+    };
+    std::optional<SessionLink> m_sessionLink;
 };
 
 } // namespace kvr

@@ -36,3 +36,29 @@ void CalibrateDelay(Settings &settings, Clock &clock)
 }
 
 } // namespace kvr
+
+namespace kvr {
+
+namespace {
+bool Is6630(const Settings &settings)
+{
+    return settings.computerType.left(4) == QLatin1String("6630");
+}
+} // namespace
+
+void ApplyDelayChoice(Settings &settings, const QString &choice, Clock &clock)
+{
+    const QString value = choice.trimmed();
+    if (value == QLatin1String("default")) {
+        CalibrateDelay(settings, clock);
+        return;
+    }
+    (Is6630(settings) ? settings.delay6630 : settings.delay4410) = value;
+}
+
+QString CurrentFamilyDelay(const Settings &settings)
+{
+    return Is6630(settings) ? settings.delay6630 : settings.delay4410;
+}
+
+} // namespace kvr

@@ -22,3 +22,14 @@ void CalibrateDelay(Settings &settings, Clock &clock);
 void CalibrationLoop();
 
 } // namespace kvr
+
+namespace kvr {
+
+// The delay dialog's OK: "default" recalibrates both delays; a number is
+// stored for the current board family only. The caller writes the settings.
+void ApplyDelayChoice(Settings &settings, const QString &choice, Clock &clock);
+
+// The value the delay dialog shows when it opens: the current family's delay.
+QString CurrentFamilyDelay(const Settings &settings);
+
+} // namespace kvr

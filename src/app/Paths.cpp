@@ -77,11 +77,11 @@ QString Paths::LockFile() const
     return m_windows + QStringLiteral("kvr-pc.lck");
 }
 
-void Paths::Prepare() const
+void Paths::Prepare(const QString &dataFolder) const
 {
     QDir().mkpath(m_windows);
     QDir().mkpath(m_program);
-    const QString data = InstallDataFolder();
+    const QString data = WithTrailingSeparator(dataFolder);
     for (const QString &board : {QStringLiteral("KVR4410"), QStringLiteral("KVR6630")}) {
         if (QFileInfo(data + board).isDir())
             CopyTreeMissing(data + board, m_program + board);

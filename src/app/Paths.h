@@ -23,8 +23,9 @@ public:
     QString LockFile() const;
 
     // Creates the folders and copies the shipped board programs and
-    // templates into the program folder where they are missing.
-    void Prepare() const;
+    // templates from `dataFolder` into the program folder where missing.
+    void Prepare(const QString &dataFolder) const;
+    void Prepare() const { Prepare(InstallDataFolder()); }
 
 private:
     QString m_windows;

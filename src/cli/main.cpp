@@ -1,6 +1,5 @@
 // kvr: the KVR-PC engine without windows, for scripts and CI.
-#include "app/ConsolePrompts.h"
-#include "app/Paths.h"
+#include "cli/CompileCommand.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <cstdio>
@@ -13,6 +12,9 @@ const char *Usage =
     "The KVR-PC engine without windows.\n"
     "\n"
     "Options:\n"
+    "Commands:\n"
+    "  compile FILE        compile FILE on the board (kvr compile --help)\n"
+    "\n"
     "  --settings-dir DIR  keep settings and lock file in DIR for this run\n"
     "  --version           print the version and exit\n"
     "  --help              print this text and exit\n"
@@ -28,11 +30,24 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("KVR-PC"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
 
-    const QStringList args = QCoreApplication::arguments().mid(1);
+    QStringList args = QCoreApplication::arguments().mid(1);
     if (args.contains(QStringLiteral("--version"))) {
         std::printf("kvr %s\n", KVR_VERSION);
         return 0;
     }
+    // --settings-dir belongs to every command; take it out wherever it is.
+    QString settingsDir;
+    const qsizetype dirAt = args.indexOf(QStringLiteral("--settings-dir"));
+    if (dirAt >= 0) {
+        if (dirAt + 1 >= args.size()) {
+            std::fprintf(stderr, "kvr: --settings-dir needs a folder\n\n%s", Usage);
+            return 3;
+        }
+        settingsDir = args.at(dirAt + 1);
+        args.remove(dirAt, 2);
+    }
+    if (!args.isEmpty() && args.first() == QLatin1String("compile"))
+        return kvr::RunCompileCommand(args.mid(1), settingsDir);
     if (args.isEmpty() || args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"))) {
         std::fputs(Usage, args.isEmpty() ? stderr : stdout);
         return args.isEmpty() ? 3 : 0;

@@ -1,5 +1,6 @@
 #include "link/Link.h"
 #include "app/Text.h"
+#include <cmath>
 
 namespace kvr {
 
@@ -10,11 +11,16 @@ void SpinDelay(qint64 lastPass)
         counter = counter + 1;
 }
 
-qint64 Link::CurrentDelay() const
+qint64 DelayLastPass(double delay)
+{
+    return static_cast<qint64>(std::trunc(delay * 8.5));
+}
+
+double Link::CurrentDelay() const
 {
     const Settings &s = m_context.settings;
     const QString &value = s.computerType.left(4) == QLatin1String("6630") ? s.delay6630 : s.delay4410;
-    return static_cast<qint64>(Val(value));
+    return Val(value);
 }
 
 void Link::SendText(const QString &text, bool addCR)
@@ -22,11 +28,13 @@ void Link::SendText(const QString &text, bool addCR)
     if (!Usable())
         return;
     const QByteArray bytes = text.toLatin1();
-    const qint64 delay = CurrentDelay();
+    const double delay = CurrentDelay();
     if (delay != 0) {
-        const qint64 lastPass = static_cast<qint64>(delay * 8.5);
+        const qint64 lastPass = DelayLastPass(delay);
         for (char c : bytes) {
             SpinDelay(lastPass);
+            if (!Usable())
+                return;
             m_transport->Write(QByteArray(1, c));
         }
         SpinDelay(lastPass);
@@ -61,23 +69,37 @@ void Link::ClearInput()
 void Link::WaitForReply()
 {
     Clock &clock = m_context.clock;
-    const quint32 deadline = clock.TickCount() + static_cast<quint32>(Val(m_context.settings.timeout));
-    while (TickBefore(clock.TickCount(), deadline)) {
+    const double timeout = Val(m_context.settings.timeout);
+    const quint32 deadline = clock.TickCount() + static_cast<quint32>(static_cast<qint64>(timeout));
+    struct Depth {
+        int &depth;
+        explicit Depth(int &d) : depth(d) { ++depth; }
+        ~Depth() { --depth; }
+    } waiting(m_waitDepth);
+    // Polls at least once, so a reply already waiting is seen even with a
+    // time-out of 0.
+    do {
         if (BytesAvailable() >= 1) {
             const QByteArray bytes = ReadBytes();
             for (char c : bytes)
                 if (static_cast<unsigned char>(c) <= 12)
                     return;
         }
-    }
+    } while (TickBefore(clock.TickCount(), deadline));
     NotResponding();
 }
 
 void Link::Pause(double seconds)
 {
     Clock &clock = m_context.clock;
-    const float target = static_cast<float>(clock.SecondsSinceMidnight() + seconds);
-    while (static_cast<float>(clock.SecondsSinceMidnight()) < target) {
+    const float start = static_cast<float>(clock.SecondsSinceMidnight());
+    const float target = static_cast<float>(start + seconds);
+    for (;;) {
+        const float now = static_cast<float>(clock.SecondsSinceMidnight());
+        // The clock going back means midnight passed: the target can never
+        // be reached, so the pause ends rather than hanging the program.
+        if (now >= target || now < start)
+            return;
     }
 }
 

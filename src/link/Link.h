@@ -24,8 +24,10 @@ public:
     void BeepUnlessQuiet();
     void NotResponding();
 
-    // The delay units for the configured board family.
-    qint64 CurrentDelay() const;
+    // The delay units for the configured board family (fractions count).
+    double CurrentDelay() const;
+    // True while WaitForReply runs: the terminal must not take the reply.
+    bool IsWaiting() const { return m_waitDepth > 0; }
     static QString NotRespondingText(const QString &computerType);
 
     AppContext &Context() const { return m_context; }
@@ -34,9 +36,13 @@ private:
     bool Usable() const { return m_transport && m_transport->IsUsable(); }
     AppContext &m_context;
     QPointer<Transport> m_transport;
+    int m_waitDepth = 0;
 };
 
-// The busy loop between characters: N + 1 empty passes on a volatile counter.
-void SpinDelay(qint64 passes);
+// The busy loop between characters: passes 0 to lastPass (lastPass + 1 of
+// them, none when lastPass is negative) on a volatile counter.
+void SpinDelay(qint64 lastPass);
+// lastPass for a delay: the integer part of delay x 8.5.
+qint64 DelayLastPass(double delay);
 
 } // namespace kvr

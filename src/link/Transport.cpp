@@ -4,9 +4,12 @@ namespace kvr {
 
 int Transport::Available()
 {
-    if (!IsUsable())
-        return 0;
-    Poll();
+    // What arrived before the link went away is still delivered.
+    if (IsUsable()) {
+        BeforeCount();
+        if (IsUsable())
+            Poll();
+    }
     return static_cast<int>(m_received.size());
 }
 

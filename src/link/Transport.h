@@ -19,6 +19,7 @@ public:
     virtual void Write(const QByteArray &bytes) = 0;
     virtual void Close() = 0;
 
+    // Bytes waiting; those that arrived before the link broke still count.
     int Available();
     QByteArray TakeAll();
     void DiscardInput();
@@ -30,6 +31,9 @@ signals:
 protected:
     // Appends newly arrived bytes to m_received; must not block.
     virtual void Poll() = 0;
+    // Runs before Available() counts; the TCP link yields to the event loop
+    // here, once, so that socket data can arrive during a wait.
+    virtual void BeforeCount() {}
     QByteArray m_received;
 };
 

@@ -1,0 +1,249 @@
+#include "app/ui/frmMDI.h"
+#include "app/BoardChoice.h"
+#include "app/Caption.h"
+#include "app/Text.h"
+#include "app/ui/frmComputer.h"
+#include "app/ui/frmDelay.h"
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProcess>
+#include <QStandardPaths>
+
+namespace kvr {
+
+frmMDI::frmMDI(AppContext &context, QWidget *parent) : QMainWindow(parent), m_context(context)
+{
+    setObjectName(QStringLiteral("frmMDI"));
+    m_mdi = new QMdiArea(this);
+    m_mdi->setObjectName(QStringLiteral("MdiArea"));
+    setCentralWidget(m_mdi);
+    resize(1000, 720);
+    BuildMenus();
+    ConnectOptionItems();
+    UpdateTicks();
+    UpdateMenuState();
+    UpdateCaption();
+    connect(&context, &AppContext::SettingsWritten, this, [this] {
+        UpdateTicks();
+        UpdateCaption();
+        UpdateMenuState();
+    });
+}
+
+// Only the frame's own menus: editor windows inside carry items of the same names.
+QAction *frmMDI::Item(const QString &controlName) const
+{
+    return menuBar()->findChild<QAction *>(controlName);
+}
+
+QMenu *frmMDI::Menu(const QString &controlName) const
+{
+    return menuBar()->findChild<QMenu *>(controlName);
+}
+
+void frmMDI::UpdateCaption()
+{
+    const bool connected = m_tcpConnected ? m_tcpConnected() : false;
+    setWindowTitle(CaptionText(m_context.settings, connected));
+}
+
+void frmMDI::UpdateMenuState()
+{
+    // A plain terminal has no Forth dictionary to upload, re-flash or zap.
+    const bool development = m_context.settings.computerType != QLatin1String("Terminal");
+    for (const char *name : {"mnuPUp", "mnuPDown", "mnuPFlash", "mnuZap"})
+        if (QAction *a = Item(QString::fromLatin1(name)))
+            a->setEnabled(development);
+    if (QAction *flash = Item(QStringLiteral("mnuPFlash")))
+        flash->setEnabled(development && m_context.settings.computerType.left(4) == QLatin1String("4410"));
+}
+
+void frmMDI::UpdateTicks()
+{
+    const Settings &s = m_context.settings;
+    const int port = PortNumber(s.commPort);
+    for (int n = 0; n <= 20; ++n)
+        Item(ArrayName(QStringLiteral("mnuOP"), n))->setChecked(n == port);
+    const int timeout = static_cast<int>(Val(s.timeout));
+    for (int i = 0; i < 5; ++i)
+        Item(ArrayName(QStringLiteral("mnuOTimeoutArray"), i))->setChecked(TimeoutValues[i] == timeout);
+    const int baud = static_cast<int>(Val(s.baudRate));
+    for (int i = 0; i < 8; ++i)
+        Item(ArrayName(QStringLiteral("mnuOBaudArray"), i))->setChecked(BaudValues[i] == baud);
+    Item(QStringLiteral("mnuOCapsLock"))->setChecked(s.capsLock.left(2) == QLatin1String("ON"));
+}
+
+void frmMDI::ConnectOptionItems()
+{
+    for (int i = 0; i < 5; ++i)
+        connect(Item(ArrayName(QStringLiteral("mnuOTimeoutArray"), i)), &QAction::triggered, this,
+                [this, i] { ChooseTimeout(i); });
+    for (int i = 0; i < 8; ++i)
+        connect(Item(ArrayName(QStringLiteral("mnuOBaudArray"), i)), &QAction::triggered, this,
+                [this, i] { ChooseBaud(i); });
+    for (int n = 0; n <= 20; ++n)
+        connect(Item(ArrayName(QStringLiteral("mnuOP"), n)), &QAction::triggered, this, [this, n] {
+            UpdateTicks(); // the link ticks the item once it has switched
+            emit PortRequested(n);
+        });
+    connect(Item(QStringLiteral("mnuODelay")), &QAction::triggered, this, &frmMDI::ShowDelayDialog);
+    connect(Item(QStringLiteral("mnuOQuestions")), &QAction::triggered, this, &frmMDI::ShowComputerDialog);
+    connect(Item(QStringLiteral("mnuOCBackground")), &QAction::triggered, this,
+            [this] { ChooseTerminalColor(false); });
+    connect(Item(QStringLiteral("mnuOCText")), &QAction::triggered, this, [this] { ChooseTerminalColor(true); });
+    connect(Item(QStringLiteral("mnuOFont")), &QAction::triggered, this, &frmMDI::ChooseFont);
+    connect(Item(QStringLiteral("mnuFExit")), &QAction::triggered, this, &QWidget::close);
+    connect(Item(QStringLiteral("mnuFExtEditor")), &QAction::triggered, this, &frmMDI::StartExternalEditor);
+    connect(Item(QStringLiteral("mnuFShell")), &QAction::triggered, this, &frmMDI::StartShell);
+    connect(Item(QStringLiteral("mnuWCascade")), &QAction::triggered, m_mdi, &QMdiArea::cascadeSubWindows);
+    connect(Item(QStringLiteral("mnuWHorizontal")), &QAction::triggered, this,
+            [this] { ArrangeTiles(Qt::Horizontal); });
+    connect(Item(QStringLiteral("mnuWVertical")), &QAction::triggered, this,
+            [this] { ArrangeTiles(Qt::Vertical); });
+    connect(Item(QStringLiteral("mnuWArrange")), &QAction::triggered, m_mdi, &QMdiArea::tileSubWindows);
+    connect(Item(QStringLiteral("mnuAbout")), &QAction::triggered, this, &frmMDI::ShowAbout);
+    const QList<QPair<const char *, QString>> absent = {
+        {"mnuMkvr4410", QStringLiteral("The KVR4410F manual")},
+        {"mnuMkvr6630", QStringLiteral("The KVR6630 manual")},
+        {"mnuMReadme", QStringLiteral("The latest information")},
+        {"mnuMUpdates", QStringLiteral("The ROM updates page")},
+        {"mnuMWords", QStringLiteral("The Forth words list")},
+        {"mnuOnScreen", QStringLiteral("The development system help")},
+        {"mnuWebsiteL", QStringLiteral("The KVR website")},
+        {"mnuWebsiteR", QStringLiteral("The KVR resources page")},
+        {"mnuPrices", QStringLiteral("The price list")},
+        {"mnuPDown", QStringLiteral("Download to a PROM programmer")},
+    };
+    for (const auto &[name, what] : absent)
+        connect(Item(QString::fromLatin1(name)), &QAction::triggered, this,
+                [this, what = what] { ShowNotInstalled(what); });
+}
+
+void frmMDI::ChooseTimeout(int index)
+{
+    m_context.settings.timeout = QString::number(TimeoutValues[index]);
+    m_context.WriteSettings();
+}
+
+void frmMDI::ChooseBaud(int index)
+{
+    m_context.settings.baudRate = QString::number(BaudValues[index]);
+    m_context.WriteSettings();
+}
+
+void frmMDI::ChooseTerminalColor(bool foreground)
+{
+    const auto color = m_context.prompts.Color(m_context.settings.Color(ColorWindow::Emulator, foreground));
+    if (!color)
+        return;
+    m_context.settings.SetColor(ColorWindow::Emulator, foreground, *color);
+    m_context.WriteSettings();
+}
+
+void frmMDI::ChooseFont()
+{
+    Settings &s = m_context.settings;
+    QFont current(s.fontName, std::max(1, int(Val(s.fontSize))));
+    current.setBold(s.fontBold.left(2) == QLatin1String("ON"));
+    const auto font = m_context.prompts.Font(current);
+    if (!font)
+        return;
+    s.fontName = font->family().left(20);
+    s.fontSize = QString::number(std::max(1, font->pointSize())).left(4);
+    s.fontBold = font->bold() ? QStringLiteral("ON") : QStringLiteral("OFF");
+    m_context.WriteSettings();
+}
+
+void frmMDI::ShowDelayDialog()
+{
+    frmDelay dialog(m_context, this);
+    dialog.exec();
+}
+
+void frmMDI::ShowComputerDialog()
+{
+    frmComputer dialog(m_context.settings, this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const BoardChoice choice = dialog.Choice();
+    const bool switchLink = ApplyBoardChoice(m_context.settings, choice);
+    m_context.WriteSettings();
+    if (switchLink)
+        emit PortRequested(choice.port);
+    emit ComputerChanged();
+    UpdateCaption();
+    UpdateMenuState();
+}
+
+void frmMDI::StartExternalEditor()
+{
+    QString editor = m_context.settings.externalEditor;
+    // The Windows default names Notepad; here the desktop's own text editor stands in.
+    if (editor.endsWith(QLatin1String("NOTEPAD.EXE"), Qt::CaseInsensitive))
+        editor = QStringLiteral("xdg-open");
+    QStringList arguments;
+    if (m_context.settings.currentFile.left(8) != QLatin1String("Not Used"))
+        arguments << m_context.settings.currentFile;
+    if (!QProcess::startDetached(editor, arguments))
+        m_context.prompts.Message(QStringLiteral("Can't start the external editor ") + editor,
+                                  PromptIcon::Exclamation);
+}
+
+void frmMDI::StartShell()
+{
+    const QString terminal = QStandardPaths::findExecutable(QStringLiteral("x-terminal-emulator"));
+    if (terminal.isEmpty() || !QProcess::startDetached(terminal, {}))
+        m_context.prompts.Message(QStringLiteral("No terminal program is installed."), PromptIcon::Exclamation);
+}
+
+void frmMDI::ShowAbout()
+{
+    m_context.prompts.Message(AppTitle + QStringLiteral(" version ") + QStringLiteral(KVR_VERSION)
+                                  + QStringLiteral("\n\nDevelopment environment for the KVR4410, "
+                                                   "KVR4410F and KVR6630 Forth computers."),
+                              PromptIcon::Information);
+}
+
+void frmMDI::ShowNotInstalled(const QString &what)
+{
+    m_context.prompts.Message(what + QStringLiteral(" is not installed with this copy of KVR-PC."),
+                              PromptIcon::Information);
+}
+
+void frmMDI::ArrangeTiles(Qt::Orientation orientation)
+{
+    QList<QMdiSubWindow *> windows;
+    for (QMdiSubWindow *w : m_mdi->subWindowList())
+        if (w->isVisible() && !w->isMinimized())
+            windows << w;
+    if (windows.isEmpty())
+        return;
+    const QRect area = m_mdi->viewport()->rect();
+    const int count = static_cast<int>(windows.size());
+    for (int i = 0; i < count; ++i) {
+        windows[i]->showNormal();
+        if (orientation == Qt::Horizontal) {
+            const int h = area.height() / count;
+            windows[i]->setGeometry(0, i * h, area.width(), h);
+        } else {
+            const int w = area.width() / count;
+            windows[i]->setGeometry(i * w, 0, w, area.height());
+        }
+    }
+}
+
+void frmMDI::closeEvent(QCloseEvent *event)
+{
+    if (m_closeGuard && !m_closeGuard()) {
+        event->ignore();
+        return;
+    }
+    emit Closing();
+    event->accept();
+}
+
+} // namespace kvr

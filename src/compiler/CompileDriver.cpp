@@ -1,0 +1,250 @@
+#include "compiler/CompileDriver.h"
+#include "app/AppContext.h"
+#include "app/FilePaths.h"
+#include "app/SafeSave.h"
+#include "compiler/SearchPaths.h"
+#include "compiler/SourceText.h"
+#include "editor/EditorHost.h"
+#include "link/Link.h"
+#include "link/TerminalHost.h"
+#include <QCoreApplication>
+#include <QDir>
+#include <QCursor>
+#include <QGuiApplication>
+
+namespace kvr {
+
+namespace {
+
+// The hourglass, where there is a screen to show it on.
+class BusyPointer {
+public:
+    BusyPointer()
+    {
+        m_shown = qobject_cast<QGuiApplication *>(QCoreApplication::instance()) != nullptr;
+        if (m_shown)
+            QGuiApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
+    }
+    ~BusyPointer()
+    {
+        if (m_shown)
+            QGuiApplication::restoreOverrideCursor();
+    }
+    BusyPointer(const BusyPointer &) = delete;
+    BusyPointer &operator=(const BusyPointer &) = delete;
+
+private:
+    bool m_shown = false;
+};
+
+const QString TerminalType = QStringLiteral("Terminal");
+
+} // namespace
+
+int LastDefinitionStart(const QString &text, int cursor)
+{
+    int p = std::clamp(cursor, 0, static_cast<int>(text.size()));
+    while (p > 0) {
+        if (QStringView(text).mid(p, 2) == QLatin1String(": ") && text[p - 1] == QLatin1Char('\n'))
+            break;
+        --p;
+    }
+    return p;
+}
+
+CompileDriver::CompileDriver(AppContext &context, Link &link, TerminalHost *terminal, EditorHost *editor,
+                             CompileReport &report, QObject *parent)
+    : QObject(parent), m_context(context), m_link(link), m_terminal(terminal), m_editor(editor),
+      m_report(report), m_engine(context, link, terminal, report, m_state)
+{
+    m_engine.SetDefaultSearchPaths(DefaultSearchPaths(context.paths));
+    m_state.noDisplay = context.settings.IsOn(context.settings.noCompileDisplay);
+}
+
+void CompileDriver::TerminalModeMessage()
+{
+    m_context.prompts.Message(AppTitle + QStringLiteral(" is in Terminal emulator, not development mode. "
+                                                        "Select computer using interactive window options menu."),
+                              PromptIcon::Exclamation);
+}
+
+bool CompileDriver::RefuseTerminalMode()
+{
+    if (m_context.settings.computerType != TerminalType)
+        return false;
+    TerminalModeMessage();
+    return true;
+}
+
+void CompileDriver::CompileFile(const QString &path)
+{
+    if (m_context.busyState == BusyState::BuildingDatabase) {
+        m_context.prompts.Message(QStringLiteral("Wait until database complete before compiling"),
+                                  PromptIcon::Exclamation);
+        return;
+    }
+    if (path.right(4) != QLatin1String(".KVR")) {
+        m_context.prompts.Message(QStringLiteral("Extension not .KVR, can not compile"), PromptIcon::Exclamation);
+        return;
+    }
+
+    m_context.busyState = BusyState::Compiling;
+    if (m_terminal)
+        m_terminal->SetInputTimerEnabled(false);
+    m_report.ClearReport();
+    if (m_terminal)
+        m_terminal->BringForward();
+    m_report.BringForward();
+
+    m_context.compileOutcome = CompileOutcome::Running;
+    m_state.compiledFiles.clear();
+
+    const SplitResult split = SplitPath(path);
+    m_state.topLevelFolder = split.folder;
+    QDir::setCurrent(ResolvePath(split.folder));
+
+    m_state.topLevelFile = path;
+    m_state.includeStack[0] = IncludeEntry{0, 0, path, 0};
+    m_state.suspendedCount = 0;
+    m_state.conditionValue.clear();
+    m_state.conditionalState = 0;
+    m_state.ResetQuietLineBuffer();
+    m_state.shownLine.clear();
+    m_state.runEnd = RunEnd::None;
+    m_state.linesSent = 0;
+    m_state.noDisplay = m_context.settings.IsOn(m_context.settings.noCompileDisplay);
+
+    if (m_state.noDisplay && m_terminal) {
+        m_state.progressCapacity = m_terminal->ProgressCapacity();
+        m_terminal->SetProgressText(QString());
+        m_terminal->SetProgressVisible(true);
+    }
+    emit RunStarted(path);
+
+    do {
+        m_engine.CompileNextLine(m_state.CurrentFile());
+        QCoreApplication::processEvents();
+    } while (m_state.Running());
+
+    if (m_terminal) {
+        m_terminal->SetInputTimerEnabled(true);
+        m_terminal->SetProgressVisible(false);
+    }
+    m_report.BringForward();
+
+    if (m_context.compileOutcome == CompileOutcome::Error && m_editor) {
+        if (!ShowErrorLine()) {
+            m_editor->LoadFile(m_state.CurrentFile());
+            ShowErrorLine();
+        }
+    }
+    m_context.busyState = BusyState::Idle;
+    emit RunEnded(m_state.runEnd);
+}
+
+bool CompileDriver::ShowErrorLine()
+{
+    if (!m_editor)
+        return false;
+    // Captions are upper-cased paths; a file found through a folder typed
+    // in lower case is still the same window.
+    const int line = ErrorLineNumber(m_report.LastLine());
+    if (!m_editor->ShowLine(m_state.CurrentFile().toUpper(), line))
+        return false;
+    m_lastErrorEditor = m_editor->ActiveIndex();
+    return true;
+}
+
+QString CompileDriver::SelectedFilePath() const
+{
+    return m_context.paths.ProgramFolder() + QStringLiteral("SELECTED.KVR");
+}
+
+void CompileDriver::CompileSelection(int index)
+{
+    if (!m_editor)
+        return;
+    BusyPointer busy;
+    const QString text = m_editor->Text(index).mid(m_editor->SelStart(index), m_editor->SelLength(index));
+    const QString path = SelectedFilePath();
+    const SaveResult saved = SaveWholeFile(ResolvePath(path), (text + QStringLiteral("\r\n\r\n")).toLatin1());
+    if (!saved.Ok()) {
+        m_context.prompts.Message(QStringLiteral("Error: ") + saved.description, PromptIcon::Critical);
+        return;
+    }
+    m_editor->SaveBeforeCompile(index);
+    CompileFile(path.toUpper());
+}
+
+void CompileDriver::CompileThisWindow(int index)
+{
+    if (RefuseTerminalMode())
+        return;
+    if (m_editor)
+        m_editor->SaveBeforeCompile(index);
+    CompileFile(m_context.settings.currentFile);
+}
+
+void CompileDriver::CompileSelected(int index)
+{
+    if (RefuseTerminalMode() || !m_editor)
+        return;
+    if (m_editor->SelLength(index) <= 0) {
+        m_context.prompts.Message(QStringLiteral("No text selected. Mark text to compile first."),
+                                  PromptIcon::Information);
+        return;
+    }
+    CompileSelection(index);
+}
+
+void CompileDriver::CompileFromLastDefinition(int index)
+{
+    if (!m_editor)
+        return;
+    const QString text = m_editor->Text(index);
+    const int start = LastDefinitionStart(text, m_editor->SelStart(index));
+    m_editor->Select(index, start, static_cast<int>(text.size()) - start);
+    CompileSelection(index);
+}
+
+void CompileDriver::CompileRecentFile(int index, const QString &name)
+{
+    if (RefuseTerminalMode())
+        return;
+    if (m_editor)
+        m_editor->SaveBeforeCompile(index);
+    m_context.settings.currentFile = name;
+    if (m_editor)
+        m_editor->OpenFile(name);
+    CompileFile(m_context.settings.currentFile);
+}
+
+void CompileDriver::ToggleQuickCompile(bool wasChecked)
+{
+    m_context.settings.quickCompile = wasChecked ? QStringLiteral("OFF") : QStringLiteral("ON");
+    emit QuickCompileChanged(!wasChecked);
+    m_context.WriteSettings();
+}
+
+void CompileDriver::ToggleNoCompileDisplay(bool wasChecked)
+{
+    m_context.settings.noCompileDisplay = wasChecked ? QStringLiteral("OFF") : QStringLiteral("ON");
+    m_state.noDisplay = !wasChecked;
+    emit NoCompileDisplayChanged(!wasChecked);
+    m_context.WriteSettings();
+}
+
+void CompileDriver::HaltCompile()
+{
+    m_context.compileOutcome = CompileOutcome::HaltRequested;
+    if (m_terminal) {
+        m_terminal->SendInterrupt();
+    } else {
+        m_link.SendText(QString::fromLatin1("\x03\x11\x1b ;"), true);
+        m_link.WaitForReply();
+        m_link.SendText(QString(QChar(13)), false);
+        m_link.WaitForReply();
+    }
+}
+
+} // namespace kvr

@@ -1,0 +1,77 @@
+#pragma once
+// Turns a user command into one compile run: refusals, saving, preparing
+// the state, the report and the progress display, one line-engine call per
+// source line with a yield in between, and the failing line shown at the end.
+#include "compiler/CompileReport.h"
+#include "compiler/CompileState.h"
+#include "compiler/LineEngine.h"
+#include <QObject>
+
+namespace kvr {
+
+class AppContext;
+class EditorHost;
+class Link;
+class TerminalHost;
+
+class CompileDriver : public QObject {
+    Q_OBJECT
+public:
+    // `editor` may be null (no editor windows: the failing line is not shown).
+    CompileDriver(AppContext &context, Link &link, TerminalHost *terminal, EditorHost *editor,
+                  CompileReport &report, QObject *parent = nullptr);
+
+    CompileState &State() { return m_state; }
+    LineEngine &Engine() { return m_engine; }
+    CompileReport &Report() { return m_report; }
+    void SetEditorHost(EditorHost *editor) { m_editor = editor; }
+
+    void CompileFile(const QString &path);
+    // Writes the selection of editor window `index` to SELECTED.KVR in the
+    // program folder and compiles that.
+    void CompileSelection(int index);
+    void TerminalModeMessage();
+    // Selects the line named by the last report line in the window showing
+    // the current file; false when no window shows it.
+    bool ShowErrorLine();
+    // The editor window last activated by ShowErrorLine (0 = none).
+    int LastErrorEditor() const { return m_lastErrorEditor; }
+
+    // The Compile menu of an editor window; `index` is the commanding window.
+    void CompileThisWindow(int index);
+    void CompileSelected(int index);
+    void CompileFromLastDefinition(int index);
+    void CompileRecentFile(int index, const QString &name);
+    // The toggles take whether the item was checked before the click.
+    void ToggleQuickCompile(bool wasChecked);
+    void ToggleNoCompileDisplay(bool wasChecked);
+
+    // F2 in the terminal, an editor or the report: ask the running compile
+    // to stop and get the board back to its prompt.
+    void HaltCompile();
+
+    QString SelectedFilePath() const;
+
+signals:
+    void QuickCompileChanged(bool on);
+    void NoCompileDisplayChanged(bool on);
+    void RunStarted(const QString &path);
+    void RunEnded(kvr::RunEnd why);
+
+private:
+    bool RefuseTerminalMode();
+
+    AppContext &m_context;
+    Link &m_link;
+    TerminalHost *m_terminal;
+    EditorHost *m_editor;
+    CompileReport &m_report;
+    CompileState m_state;
+    LineEngine m_engine;
+    int m_lastErrorEditor = 0;
+};
+
+// Start of the last line beginning with ": " at or before `cursor`, or 0.
+int LastDefinitionStart(const QString &text, int cursor);
+
+} // namespace kvr

@@ -1,0 +1,244 @@
+#include "compiler/LineEngine.h"
+#include "app/AppContext.h"
+#include "app/Text.h"
+#include "compiler/ConditionalCompilation.h"
+#include "compiler/SearchPaths.h"
+#include "compiler/SourceText.h"
+#include "link/Link.h"
+#include "link/TerminalHost.h"
+
+namespace kvr {
+
+namespace {
+const QString EndCommand = QStringLiteral("BASE @ HEX HERE U. BASE !");
+constexpr int MaxLineLength = 80;
+} // namespace
+
+LineEngine::LineEngine(AppContext &context, Link &link, TerminalHost *terminal,
+                       CompileReport &report, CompileState &state)
+    : m_context(context), m_link(link), m_terminal(terminal), m_report(report), m_state(state),
+      m_receiver(link, terminal, state), m_writeSettings([&context] { context.WriteSettings(); })
+{
+}
+
+QString LineEngine::Prefix() const
+{
+    return ShortenPath(m_state.CurrentFile()) + QStringLiteral(" - line ")
+           + QString::number(m_state.includeStack[0].lineNumber);
+}
+
+void LineEngine::Report(const QString &text, const QString &kind, bool withPosition)
+{
+    ReportEvent event{kind, m_state.CurrentFile(), withPosition ? m_state.includeStack[0].lineNumber : 0};
+    m_report.AddReportLine(withPosition ? Prefix() + text : text, event);
+}
+
+void LineEngine::EndRun(RunEnd why)
+{
+    m_state.topLevelFile.clear();
+    CloseSourceFiles();
+    m_state.runEnd = why;
+}
+
+void LineEngine::CloseSourceFiles()
+{
+    const int last = std::min<int>(static_cast<int>(m_state.compiledFiles.size()), MaxIncludeFiles);
+    for (int k = 0; k <= last; ++k)
+        m_state.files.Close(m_state.includeStack[k].fileNumber);
+}
+
+void LineEngine::CompileNextLine(QString &fileName)
+{
+    IncludeEntry &active = m_state.includeStack[0];
+
+    if (active.fileNumber == 0) {
+        const QString searchList = SearchList(m_state.topLevelFolder, m_context.settings.extraSearchPaths,
+                                              m_defaultSearchPaths);
+        const bool found = FindSourceFile(fileName, active.fileNumber, m_state.files, searchList, m_context.prompts);
+        active.name = fileName;
+        if (!found) {
+            Report(QStringLiteral("HALTED COMPILE, FILE NOT FOUND: ") + ShortenPath(fileName),
+                   QStringLiteral("file-not-found"), false);
+            EndRun(RunEnd::FileNotFound);
+            return;
+        }
+        active.lineNumber = 0;
+    }
+
+    if (m_state.files.AtEnd(active.fileNumber)) {
+        EndOfFile(fileName);
+    } else {
+        QString line = RTrim(m_state.files.ReadLine(active.fileNumber));
+        ++active.lineNumber;
+        const qsizetype firstNonBlank = line.size() - LTrim(line).size();
+        if (line.size() > MaxLineLength) {
+            Report(QStringLiteral(": OVER 80 CHARACTERS"), QStringLiteral("over-long"));
+            EndRun(RunEnd::OverLong);
+        } else if (line.isEmpty() || line[firstNonBlank] == QLatin1Char('\\')) {
+            // Comment or empty line: nothing to do.
+        } else if (line.startsWith(QLatin1String("QUICK "))) {
+            QuickLine(line);
+        } else if (line.startsWith(QLatin1String("INCLUDE "))) {
+            IncludeLine(fileName, line);
+        } else if (line.left(11).toUpper() == QLatin1String("#CONDITION ")) {
+            m_state.conditionValue = ConditionWord(line);
+        } else {
+            BoardLine(line);
+        }
+    }
+    HaltTest();
+}
+
+void LineEngine::EndOfFile(QString &fileName)
+{
+    IncludeEntry &active = m_state.includeStack[0];
+    m_state.files.Close(active.fileNumber);
+    // A top-level file found along the search list has another name than
+    // the one the run started with; with no parent left it still ends the run.
+    if (fileName != m_state.topLevelFile && m_state.suspendedCount > 0) {
+        auto &stack = m_state.includeStack;
+        stack[0] = stack[1];
+        m_state.files.Seek(stack[0].fileNumber, stack[1].position);
+        for (int k = 2; k <= MaxIncludeFiles; ++k)
+            stack[k - 1] = stack[k];
+        --m_state.suspendedCount;
+        return;
+    }
+    FinishTopLevel(fileName);
+}
+
+void LineEngine::FinishTopLevel(const QString &fileName)
+{
+    EndRun(RunEnd::Finished);
+    m_link.SendText(EndCommand, true);
+    Clock &clock = m_context.clock;
+    const quint32 deadline = clock.TickCount() + static_cast<quint32>(Val(m_context.settings.timeout));
+    while (!m_receiver.ReceiveLineQuiet() && TickBefore(clock.TickCount(), deadline)) {
+    }
+    const QString address = m_state.replyLine.mid(26, 4);
+    const QString upper = fileName.toUpper();
+    if (!upper.contains(QLatin1String("PROGMOT.KVR")) && !upper.contains(QLatin1String("PROGINT.KVR")))
+        m_state.endOfProgramAddress = address;
+    m_report.AddReportLine(ShortenPath(fileName) + QStringLiteral(" - FINISHED at ") + address,
+                           {QStringLiteral("finished"), fileName, 0});
+    m_link.Pause(0.3);
+    m_link.BeepUnlessQuiet();
+    if (m_terminal)
+        m_terminal->BringForward();
+}
+
+void LineEngine::QuickLine(const QString &line)
+{
+    Settings &settings = m_context.settings;
+    const bool on = RTrim(line.mid(6, 3)) == QLatin1String("ON");
+    const QString value = on ? QStringLiteral("ON") : QStringLiteral("OFF");
+    settings.quickCompile = value;
+    settings.noCompileDisplay = value;
+    m_state.noDisplay = on;
+    if (m_terminal)
+        m_terminal->SetProgressVisible(on);
+    if (m_writeSettings)
+        m_writeSettings();
+    Report(QStringLiteral(": ") + line.left(9), QStringLiteral("quick"));
+}
+
+void LineEngine::IncludeLine(QString &fileName, const QString &line)
+{
+    const QString name = IncludeName(line);
+    if (m_state.compiledFiles.contains(name)) {
+        Report(QStringLiteral(": FILE ") + name + QStringLiteral(" ALREADY COMPILED"),
+               QStringLiteral("already-compiled"));
+        return;
+    }
+    if (m_state.compiledFiles.size() >= MaxIncludeFiles)
+        return;
+    Report(QStringLiteral(": FILE ") + name + QStringLiteral(" INCLUDED"), QStringLiteral("included"));
+    m_state.compiledFiles.append(name);
+
+    auto &stack = m_state.includeStack;
+    for (int k = MaxIncludeFiles; k >= 2; --k)
+        stack[k] = stack[k - 1];
+    stack[1] = stack[0];
+    stack[1].position = m_state.files.Position(stack[0].fileNumber);
+    stack[1].name = fileName;
+    ++m_state.suspendedCount;
+    stack[0] = IncludeEntry{};
+    fileName = name;
+    stack[0].name = name;
+}
+
+void LineEngine::BoardLine(QString line)
+{
+    const int r = EvaluateDirective(line, m_state.conditionalState, m_state.conditionValue);
+    if (r == -1) {
+        m_context.compileOutcome = CompileOutcome::Error;
+        Report(QStringLiteral(": CONDITIONAL COMPILATION ERROR"), QStringLiteral("conditional-error"));
+        EndRun(RunEnd::ConditionalError);
+        return;
+    }
+    if (r != 1)
+        return;
+    if (m_context.settings.quickCompile.left(2) == QLatin1String("ON"))
+        CompactLine(line);
+    if (line.isEmpty())
+        return;
+
+    m_link.SendText(line, true);
+    ++m_state.linesSent;
+    Clock &clock = m_context.clock;
+    const quint32 deadline = clock.TickCount() + static_cast<quint32>(Val(m_context.settings.timeout));
+    bool complete = false;
+    for (;;) {
+        complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();
+        if (complete || !TickBefore(clock.TickCount(), deadline))
+            break;
+        // F2 handled while waiting (the TCP link yields here) sends the
+        // interrupt, whose own wait takes this line's reply: stop at once
+        // and let the halt test end the run.
+        if (m_context.compileOutcome == CompileOutcome::HaltRequested)
+            return;
+    }
+
+    if (!complete) {
+        m_context.compileOutcome = CompileOutcome::NotResponding;
+        m_link.NotResponding();
+        Report(QStringLiteral("KVR") + m_context.settings.computerType.left(4) + QStringLiteral(" NOT RESPONDING"),
+               QStringLiteral("not-responding"), false);
+        EndRun(RunEnd::NotResponding);
+    }
+
+    const QString &reply = m_state.replyLine;
+    const qsizetype marker = reply.indexOf(QLatin1String(" ?  - "));
+    if (marker >= 0) {
+        // Look back from the marker to the blank before the offending word;
+        // 1-based p = marker + 1, the character at p - i is reply[marker - i].
+        const qsizetype p = marker + 1;
+        qsizetype i = 1;
+        while (i <= 31 && i != p && reply[p - i - 1] != QLatin1Char(' '))
+            ++i;
+        m_context.compileOutcome = CompileOutcome::Error;
+        Report(QStringLiteral(": ") + reply.mid(p - i), QStringLiteral("board-error"));
+        EndRun(RunEnd::BoardError);
+    }
+
+    const qsizetype unique = reply.indexOf(QLatin1String("NOT UNIQUE"));
+    if (unique >= 0) {
+        const qsizetype q = unique + 1;
+        qsizetype i = 2;
+        // Before the first character counts as a blank.
+        while (i <= 32 && q - i >= 1 && reply[q - i - 1] != QLatin1Char(' '))
+            ++i;
+        Report(QStringLiteral(": ") + reply.mid(q - i, i + 9), QStringLiteral("not-unique"));
+    }
+}
+
+void LineEngine::HaltTest()
+{
+    if (m_context.compileOutcome != CompileOutcome::HaltRequested)
+        return;
+    m_report.AddReportLine(QStringLiteral("HALTED COMPILE WITH F2"), {QStringLiteral("halted"), {}, 0});
+    EndRun(RunEnd::Halted);
+    m_link.ClearInput();
+}
+
+} // namespace kvr

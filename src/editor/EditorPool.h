@@ -1,0 +1,135 @@
+#pragma once
+// The pool of editor windows (Document, indexed from 1) with its parallel
+// per-window records (FState), and the file operations on them: new, open,
+// load, save, save as, close, delete, the recent-file list, backups,
+// find and the window-wide editing options.
+#include "app/AppContext.h"
+#include "editor/EditorHost.h"
+#include "editor/EditorView.h"
+#include "editor/FindEngine.h"
+#include <QFont>
+#include <QList>
+#include <QPointer>
+
+namespace kvr {
+
+struct FStateRecord {
+    bool Deleted = false;
+    bool Dirty = false;
+    quint32 Color = 0;
+};
+
+class EditorPool : public EditorHost {
+    Q_OBJECT
+public:
+    EditorPool(AppContext &context, EditorViewFactory &factory, QObject *parent = nullptr);
+    ~EditorPool() override;
+
+    // EditorHost
+    int ActiveIndex() const override { return m_active; }
+    QString Caption(int index) const override;
+    QString Text(int index) const override;
+    int SelStart(int index) const override;
+    int SelLength(int index) const override;
+    void Select(int index, int start, int length) override;
+    void OpenFile(const QString &name) override;
+    void LoadFile(const QString &name) override;
+    void SaveBeforeCompile(int index) override;
+    bool ShowLine(const QString &caption, int lineNumber) override;
+    QList<int> OpenIndexes() const override;
+
+    AppContext &Context() const { return m_context; }
+    EditorView *Document(int index) const;
+    FStateRecord FState(int index) const;
+    int UpperBound() const { return static_cast<int>(m_document.size()) - 1; }
+    int IndexOfCaption(const QString &caption) const;
+
+    int FindFreeIndex();
+    int FileNew();
+    void FileOpenDialog();
+    // The terminal's capture: shows a file in an editor window.
+    void DisplayFile(const QString &name) { OpenFile(name); }
+    bool SaveFile(const QString &name, int index, bool keepCaption);
+    // The chosen name in upper case; empty when cancelled.
+    QString SaveFileAs(const QString &currentCaption);
+    bool Save(int index);   // mnuFSave
+    bool SaveAs(int index); // mnuFSaveAs
+    // The save question before a window goes; false keeps it open.
+    bool QueryClose(int index);
+    // The window has gone: its slot becomes free.
+    void Unload(int index);
+    // Closes every editor window (program exit); false when one stayed.
+    bool CloseAll();
+    void FileDelete();
+
+    void AddRecentFile(const QString &name);
+    void GetRecentFiles();
+    QStringList RecentFiles() const { return m_recent; }
+
+    void Backup(int index);
+    void Restore(int index);
+    void RestoreChosen(int index, const QString &entry);
+    void RestoreCancelled(int index);
+
+    // Change of the text and focus, from the windows.
+    void TextChanged(int index);
+    void GotFocus(int index);
+    void LineTooLong();
+    void ActivateNext(int index); // Shift+Tab
+    void InsertFile(int index);
+    void InsertDateStamp(int index);
+    void Halt();                  // F2
+    void TabPressedWithoutSpaces(); // Tab with "Tab to Interactive"
+
+    int TabSpaces() const;
+    void SetTabSpaces(int spaces);
+    QColor EditorColor(bool foreground) const;
+    void ChooseEditorColor(bool foreground);
+    QFont EditorFont() const { return m_font; }
+    void ChooseEditorFont();
+    void SetEditorFont(const QFont &font);
+
+    // Find (Edit menu and the dialog).
+    FindState &Find() { return m_find; }
+    // mnuEFind: the text the dialog starts with; the dialog is then shown.
+    void ShowFind(int index);
+    // mnuEFindnext
+    void FindNext(int index);
+    // The dialog's Find: true when the dialog should close (it always does;
+    // false tells that the user declined to continue).
+    bool FindFromDialog(const QString &findString);
+
+    QString CurrentFileName() const { return m_context.settings.currentFile; }
+    QString WorkingFileName() const { return m_workingFileName; }
+
+signals:
+    void HaltRequested();
+    void TerminalFocusRequested();
+    void RecentFilesChanged(const QStringList &entries);
+    void ExitRequested();
+    void HelpRequested(const QString &topic);
+    void FindDialogRequested(const QString &prefill);
+
+private:
+    bool IsOpen(int index) const;
+    static bool IsUnnamed(const QString &caption);
+    EditorView *CreateWindow(int index);
+    QString AskSaveName(const QString &currentCaption);
+
+    AppContext &m_context;
+    EditorViewFactory &m_factory;
+    QList<EditorView *> m_document{nullptr}; // slot 0 unused
+    QList<QPointer<QObject>> m_alive{nullptr};
+    QList<FStateRecord> m_fstate{FStateRecord{}};
+    QList<QString> m_backupDirectory{QString()};
+    QStringList m_recent;
+    int m_active = 0;
+    QString m_workingFileName;
+    FindState m_find;
+    QFont m_font;
+};
+
+// The logical name of a file: absolute, clean and upper-cased.
+QString LogicalName(const QString &name);
+
+} // namespace kvr

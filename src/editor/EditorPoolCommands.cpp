@@ -1,0 +1,313 @@
+// Backups, find and the window-wide editing commands of the editor pool.
+#include "editor/Backups.h"
+#include "editor/BusyCursor.h"
+#include "editor/EditorPool.h"
+#include "editor/FileFilters.h"
+#include "editor/SourceFile.h"
+#include <QFontMetrics>
+
+namespace kvr {
+
+void EditorPool::Backup(int index)
+{
+    EditorView *view = Document(index);
+    if (!view)
+        return;
+    const QString caption = view->Caption();
+    if (IsUnnamed(caption)) {
+        m_context.prompts.Message(
+            QStringLiteral("Name the source file with 'Save As' before using 'Backup'"),
+            PromptIcon::Information);
+        return;
+    }
+    if (view->Text().isEmpty()) {
+        m_context.prompts.Message(QStringLiteral("This source window has no text"),
+                                  PromptIcon::Exclamation);
+        return;
+    }
+    BackupScan scan;
+    {
+        BusyCursor busy;
+        scan = ScanHighestBackup(caption);
+    }
+    const int next = scan.highest + 1;
+    if (next > 999) {
+        m_context.prompts.Message(QStringLiteral("Can't make back-up file, ") + m_workingFileName
+                                      + QStringLiteral(".999.KVR already exists"),
+                                  PromptIcon::Information);
+        return;
+    }
+    if (scan.stoppedByError) {
+        m_context.prompts.Message(QStringLiteral("Can't make back-up file, ") + scan.description,
+                                  PromptIcon::Information);
+        return;
+    }
+    QString directory;
+    QString name;
+    SplitPath(BackupName(caption, next), directory, name);
+    m_backupDirectory[index] = directory;
+    const std::optional<QString> answer = m_context.prompts.Input(
+        QStringLiteral("Enter backup file name, the one suggested is the next in sequence."),
+        AppTitle, name);
+    if (!answer || answer->isEmpty())
+        return;
+    SaveFile(directory + QLatin1Char('/') + *answer, index, true);
+}
+
+void EditorPool::Restore(int index)
+{
+    EditorView *view = Document(index);
+    if (!view)
+        return;
+    const QString caption = view->Caption();
+    if (IsUnnamed(caption)) {
+        m_context.prompts.Message(
+            QStringLiteral("Name the source file with 'Save As' before using 'Restore'"),
+            PromptIcon::Information);
+        return;
+    }
+    BackupScan scan;
+    QStringList names;
+    {
+        BusyCursor busy;
+        scan = ScanAllBackups(caption);
+        for (int n : scan.numbers) {
+            QString directory;
+            QString name;
+            SplitPath(BackupName(caption, n), directory, name);
+            m_backupDirectory[index] = directory;
+            names << name;
+        }
+    }
+    if (names.isEmpty()) {
+        if (!scan.stoppedByError)
+            m_context.prompts.Message(QStringLiteral("No backups have been made of ") + caption,
+                                      PromptIcon::Exclamation);
+        else
+            m_context.prompts.Message(QStringLiteral("Error: ") + scan.description,
+                                      PromptIcon::Exclamation);
+        return;
+    }
+    view->ShowBackups(names, static_cast<int>(names.size()) - 1);
+}
+
+void EditorPool::RestoreChosen(int index, const QString &entry)
+{
+    EditorView *view = Document(index);
+    if (!view)
+        return;
+    const PromptAnswer answer = m_context.prompts.Message(
+        QStringLiteral("Do you really want to overwrite displayed source code?"),
+        PromptIcon::Question, PromptButtons::YesNo);
+    view->HideBackups();
+    if (answer != PromptAnswer::Yes)
+        return;
+    BusyCursor busy;
+    m_workingFileName = m_backupDirectory[index] + QLatin1Char('/') + entry;
+    const ReadResult read = ReadSourceFile(m_workingFileName);
+    if (!read.ok) {
+        m_context.prompts.Message(QStringLiteral("Error: ") + read.description,
+                                  PromptIcon::Exclamation);
+        return;
+    }
+    // Taken as it stands: no line checks, no trimming.
+    EditAction action;
+    action.changesText = true;
+    action.start = 0;
+    action.removed = static_cast<int>(view->Text().size());
+    action.inserted = ToCrLf(read.content);
+    view->Apply(action);
+    m_fstate[index].Dirty = true;
+}
+
+void EditorPool::RestoreCancelled(int index)
+{
+    if (EditorView *view = Document(index))
+        view->HideBackups();
+}
+
+void EditorPool::TextChanged(int index)
+{
+    if (index >= 1 && index < m_fstate.size())
+        m_fstate[index].Dirty = true;
+}
+
+void EditorPool::GotFocus(int index)
+{
+    if (!IsOpen(index))
+        return;
+    m_active = index;
+    const QString caption = m_document[index]->Caption();
+    if (!IsUnnamed(caption))
+        m_context.settings.currentFile = caption;
+}
+
+void EditorPool::LineTooLong()
+{
+    if (!m_context.settings.IsOn(m_context.settings.quiet))
+        m_context.prompts.Beep();
+    m_context.prompts.Message(QStringLiteral("Line too long. Shorten to 80 characters maximum."),
+                              PromptIcon::Exclamation);
+}
+
+void EditorPool::ActivateNext(int index)
+{
+    const QList<int> open = OpenIndexes();
+    if (open.isEmpty())
+        return;
+    int next = open.first();
+    for (int i : open) {
+        if (i > index) {
+            next = i;
+            break;
+        }
+    }
+    m_active = next;
+    m_document[next]->Activate();
+}
+
+void EditorPool::InsertFile(int index)
+{
+    EditorView *view = Document(index);
+    if (!view)
+        return;
+    const QString name = m_context.prompts.OpenFileName(
+        QStringLiteral("Insert file"), QtFilter(InsertFileFilter), QString());
+    if (name.isEmpty())
+        return;
+    const ReadResult read = ReadSourceFile(name);
+    if (!read.ok) {
+        m_context.prompts.Message(QStringLiteral("Can't open file: ") + name,
+                                  PromptIcon::Information);
+        return;
+    }
+    const QString inserted = ToCrLf(read.content);
+    if (view->Text().size() - view->SelLength() + inserted.size() > MaxTextLength) {
+        m_context.prompts.Message(
+            QStringLiteral("The source text in this window is too long for this operation"),
+            PromptIcon::Information);
+        return;
+    }
+    EditAction action;
+    action.changesText = true;
+    action.start = view->SelStart();
+    action.removed = view->SelLength();
+    action.inserted = inserted;
+    action.selStart = action.start + static_cast<int>(inserted.size());
+    view->Apply(action);
+}
+
+void EditorPool::InsertDateStamp(int index)
+{
+    EditorView *view = Document(index);
+    if (!view)
+        return;
+    EditAction action;
+    action.changesText = true;
+    action.start = view->SelStart();
+    action.removed = view->SelLength();
+    action.inserted = DateStamp(QDateTime::currentDateTime());
+    action.selStart = action.start + static_cast<int>(action.inserted.size());
+    view->Apply(action);
+}
+
+void EditorPool::Halt()
+{
+    m_context.compileOutcome = CompileOutcome::HaltRequested;
+    emit HaltRequested();
+}
+
+void EditorPool::TabPressedWithoutSpaces()
+{
+    emit TerminalFocusRequested();
+}
+
+int EditorPool::TabSpaces() const
+{
+    return TabSpacesValue(m_context.settings.tabSpaces);
+}
+
+void EditorPool::SetTabSpaces(int spaces)
+{
+    m_context.settings.tabSpaces = QString::number(TabSpacesValue(QString::number(spaces)));
+    m_context.WriteSettings();
+    for (int index : OpenIndexes())
+        m_document[index]->RefreshOptions();
+}
+
+QColor EditorPool::EditorColor(bool foreground) const
+{
+    return m_context.settings.Color(ColorWindow::Editor, foreground);
+}
+
+void EditorPool::ChooseEditorColor(bool foreground)
+{
+    const std::optional<QColor> chosen = m_context.prompts.Color(EditorColor(foreground));
+    if (!chosen)
+        return;
+    m_context.settings.SetColor(ColorWindow::Editor, foreground, *chosen);
+    m_context.WriteSettings();
+    for (int index : OpenIndexes()) {
+        m_fstate[index].Color = EditorColor(false).rgb();
+        m_document[index]->RefreshOptions();
+    }
+}
+
+void EditorPool::ChooseEditorFont()
+{
+    const std::optional<QFont> chosen = m_context.prompts.Font(m_font);
+    if (!chosen)
+        return;
+    const QFontMetrics metrics(*chosen);
+    if (metrics.horizontalAdvance(QLatin1Char('i')) != metrics.horizontalAdvance(QLatin1Char('M')))
+        m_context.prompts.Message(
+            QStringLiteral("The font '") + chosen->family()
+                + QStringLiteral("' is proportional so maximum line lengths will be different "
+                                 "depending on content. Monospaced fonts are usually preferable "
+                                 "for source code."),
+            PromptIcon::Information);
+    SetEditorFont(*chosen);
+}
+
+void EditorPool::SetEditorFont(const QFont &font)
+{
+    m_font = font;
+    for (int index : OpenIndexes())
+        m_document[index]->RefreshOptions();
+}
+
+void EditorPool::ShowFind(int index)
+{
+    EditorView *view = Document(index);
+    const QString selected = view && view->SelLength() > 0
+        ? view->Text().mid(view->SelStart(), view->SelLength())
+        : QString();
+    m_find.gFirstTime = true;
+    m_find.gFindDirection = 1;
+    emit FindDialogRequested(FindPrefill(m_find, selected));
+}
+
+void EditorPool::FindNext(int index)
+{
+    if (m_find.gFindString.isEmpty()) {
+        ShowFind(index);
+        return;
+    }
+    FindFromDialog(m_find.gFindString);
+}
+
+bool EditorPool::FindFromDialog(const QString &findString)
+{
+    m_find.gFindString = findString;
+    EditorView *view = Document(m_active);
+    if (!view)
+        return true;
+    int selStart = view->SelStart();
+    int selLength = view->SelLength();
+    const bool going = FindIt(m_find, view->Text(), selStart, selLength, m_context.prompts);
+    view->Select(selStart, selLength);
+    m_find.gCurPos = view->SelStart();
+    return going;
+}
+
+} // namespace kvr

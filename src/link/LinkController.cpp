@@ -1,0 +1,181 @@
+#include "link/LinkController.h"
+#include "app/Text.h"
+#include "link/StartupCommands.h"
+#include "link/TerminalHost.h"
+#include <QCoreApplication>
+#include <QTimer>
+
+namespace kvr {
+
+namespace {
+// The heartbeat's failure is told only while the data connection stands;
+// when the board itself went away the data socket's message says it all.
+constexpr int HeartbeatReportDelayMs = 200;
+}
+
+LinkController::LinkController(AppContext &context, Link &link, QObject *parent)
+    : QObject(parent), m_context(context), m_link(link)
+{
+    connect(&m_tcp, &TcpTransport::ClientConnected, this, [this] {
+        m_context.prompts.Message(QStringLiteral("Connected to IP address ") + m_tcp.Host()
+                                      + QStringLiteral(", port ") + QString::number(m_tcp.Port()),
+                                  PromptIcon::Exclamation);
+        emit CaptionChanged();
+    });
+    connect(&m_tcp, &TcpTransport::ClientError, this, &LinkController::OnClientError);
+    connect(&m_tcp, &TcpTransport::HeartbeatError, this, &LinkController::OnHeartbeatError);
+    connect(&m_serial, &Transport::LinkLost, this, &LinkController::OnSerialLost);
+    connect(&m_serial, &SerialTransport::PortError, this, &LinkController::SerialFault);
+}
+
+int LinkController::PortNumber() const
+{
+    return static_cast<int>(Val(m_context.settings.commPort.mid(3)));
+}
+
+void LinkController::UsePort(int n)
+{
+    m_link.SetTransport(n == 0 ? static_cast<Transport *>(&m_tcp) : &m_serial);
+}
+
+void LinkController::SetStatus(const QString &text)
+{
+    m_status = text;
+    emit StatusChanged(text);
+}
+
+void LinkController::ClearAfterOpen()
+{
+    m_link.ClearInput();
+    if (m_terminal)
+        m_terminal->ClearScreen();
+}
+
+bool LinkController::OpenSerial()
+{
+    const int n = PortNumber();
+    UsePort(n);
+    const QString device = m_context.settings.SerialDevice(QStringLiteral("COM%1").arg(n));
+    if (n < 1 || !m_serial.Open(device, static_cast<qint32>(Val(m_context.settings.baudRate))))
+        return false;
+    ClearAfterOpen();
+    return true;
+}
+
+void LinkController::ConnectRemote()
+{
+    UsePort(0);
+    const Settings &s = m_context.settings;
+    m_tcp.Connect(s.remoteIp, static_cast<quint16>(Val(s.remotePort)));
+    const quint32 started = m_context.clock.TickCount();
+    int counter = 1;
+    do {
+        SetStatus(QStringLiteral("Trying to connect ") + QStringLiteral(". ").repeated(counter));
+        counter = counter == 4 ? 1 : counter + 1;
+        QCoreApplication::processEvents();
+        m_link.Pause(0.3);
+        // A gateway that never answers would keep the sockets connecting for
+        // minutes; give up after the limit, as a refused connection would.
+        if (m_tcp.IsConnecting() && m_context.clock.TickCount() - started > m_connectLimit * 1000)
+            m_tcp.GiveUp(QStringLiteral("Connection timed out"));
+    } while (m_tcp.IsConnecting());
+    SetStatus(m_tcp.IsConnected() ? QStringLiteral("Remote KVR computer - connected")
+                                  : QStringLiteral("Remote KVR computer - not connected"));
+    emit CaptionChanged();
+    ClearAfterOpen();
+}
+
+void LinkController::SelectPort(int n)
+{
+    emit PortChanged(n);
+    m_serial.Close();
+    m_tcp.Close();
+    m_context.settings.commPort = QStringLiteral("COM%1").arg(n);
+    m_context.WriteSettings();
+    if (n != 0) {
+        if (!OpenSerial())
+            m_context.prompts.Message(QStringLiteral("Com port ") + QString::number(n)
+                                          + QStringLiteral(" not available"),
+                                      PromptIcon::Exclamation);
+    } else {
+        ConnectRemote();
+    }
+    emit CaptionChanged();
+}
+
+void LinkController::OpenAtStart()
+{
+    if (!m_context.settings.IsTcpMode()) {
+        const int n = PortNumber();
+        emit PortChanged(n >= 1 && n <= 20 ? n : -1);
+        if (!OpenSerial()) {
+            emit PortChanged(-1);
+            m_context.prompts.Message(QStringLiteral("No serial port available"), PromptIcon::Exclamation);
+            m_context.settings.commPort = QStringLiteral("COM1");
+            m_context.WriteSettings();
+        }
+    } else {
+        UsePort(0);
+        emit PortChanged(0);
+        ClearAfterOpen();
+    }
+    emit CaptionChanged();
+}
+
+void LinkController::ConnectFromDialog(const QString &address, const QString &port)
+{
+    m_context.settings.remoteIp = address;
+    m_context.settings.remotePort = port;
+    SelectPort(0);
+    QCoreApplication::processEvents();
+    if (m_tcp.IsConnected()) {
+        m_link.Pause(0.8);
+        if (m_terminal)
+            SendStartupCommands(m_link, *m_terminal);
+    }
+    emit BringTerminalForward();
+    emit CaptionChanged();
+}
+
+void LinkController::DisconnectFromDialog()
+{
+    if (m_context.settings.IsTcpMode())
+        m_tcp.CloseClient();
+    emit BringTerminalForward();
+    emit CaptionChanged();
+}
+
+void LinkController::OnClientError(const QString &description)
+{
+    const QChar lf(10);
+    m_context.prompts.Message(QStringLiteral("TCP/IP connection error") + lf + lf
+                                  + QStringLiteral("Failed when trying to connect to IP address ")
+                                  + m_tcp.Host() + QStringLiteral(", port ") + QString::number(m_tcp.Port())
+                                  + QStringLiteral(".") + lf + description,
+                              PromptIcon::Exclamation);
+    emit CaptionChanged();
+}
+
+void LinkController::OnHeartbeatError(const QString &description)
+{
+    QTimer::singleShot(HeartbeatReportDelayMs, this, [this, description] {
+        if (!m_tcp.IsConnected() && m_tcp.Client().state() != QAbstractSocket::ConnectingState)
+            return;
+        const QChar lf(10);
+        m_context.prompts.Message(QStringLiteral("TCP/IP connection error") + lf + lf
+                                      + QStringLiteral("Failed when trying to connect heartbeat port")
+                                      + QStringLiteral(".") + lf + description,
+                                  PromptIcon::Exclamation);
+    });
+}
+
+void LinkController::OnSerialLost(const QString &reason)
+{
+    emit SerialFault();
+    m_context.prompts.Message(QStringLiteral("Com port ") + QString::number(PortNumber())
+                                  + QStringLiteral(" not available"),
+                              PromptIcon::Exclamation);
+    emit CaptionChanged();
+}
+
+} // namespace kvr

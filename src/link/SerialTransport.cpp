@@ -1,0 +1,131 @@
+#include "link/SerialTransport.h"
+#include <QFileInfo>
+
+namespace kvr {
+
+namespace {
+// How often a poll looks whether the device node is still there.
+constexpr qint64 DeviceCheckMs = 200;
+// What the port's own read buffer may hold between two polls.
+constexpr qint64 InputBufferSize = 32000;
+}
+
+SerialTransport::SerialTransport(QObject *parent) : Transport(parent)
+{
+    m_port.setObjectName(QStringLiteral("MSComm1"));
+    connect(&m_port, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
+        switch (error) {
+        case QSerialPort::NoError:
+        case QSerialPort::TimeoutError:       // a poll that found nothing
+        case QSerialPort::DeviceNotFoundError: // reported by Open()
+        case QSerialPort::PermissionError:
+        case QSerialPort::OpenError:
+        case QSerialPort::NotOpenError:
+        case QSerialPort::UnsupportedOperationError: // RTS on a line without modem control
+            return;
+        case QSerialPort::ResourceError:
+        case QSerialPort::ReadError:
+        case QSerialPort::WriteError:
+            return; // the link is lost: Poll() and Write() close it and say so
+        default:
+            if (m_port.isOpen())
+                emit PortError(m_port.errorString());
+        }
+    });
+}
+
+SerialTransport::~SerialTransport()
+{
+    m_port.close();
+}
+
+bool SerialTransport::Open(const QString &devicePath, qint32 baud)
+{
+    Close();
+    m_received.clear();
+    m_errorText.clear();
+    m_devicePath = devicePath;
+    if (devicePath.isEmpty()) {
+        m_errorText = QStringLiteral("no device bound to this port");
+        return false;
+    }
+    // The order the board's line expects: frame format, speed, then the port.
+    m_port.setReadBufferSize(InputBufferSize);
+    m_port.setDataBits(QSerialPort::Data8);
+    m_port.setParity(QSerialPort::NoParity);
+    m_port.setStopBits(QSerialPort::OneStop);
+    m_port.setBaudRate(baud > 0 ? baud : 9600);
+    m_port.setPortName(devicePath);
+    m_port.setFlowControl(QSerialPort::NoFlowControl);
+    if (!m_port.open(QIODevice::ReadWrite)) {
+        m_errorText = m_port.errorString();
+        return false;
+    }
+    // RTS can only be raised on an open port; a line without modem control
+    // (a pseudo-terminal, some adapters) refuses it, which does no harm.
+    m_port.setRequestToSend(true);
+    m_port.clearError();
+    m_sinceDeviceCheck.start();
+    return true;
+}
+
+bool SerialTransport::IsUsable() const
+{
+    return m_port.isOpen();
+}
+
+void SerialTransport::Close()
+{
+    if (m_port.isOpen())
+        m_port.close();
+}
+
+void SerialTransport::Lose(const QString &reason)
+{
+    if (!m_port.isOpen())
+        return;
+    m_port.close();
+    emit LinkLost(reason);
+}
+
+bool SerialTransport::DeviceVanished()
+{
+    if (m_sinceDeviceCheck.isValid() && m_sinceDeviceCheck.elapsed() < DeviceCheckMs)
+        return false;
+    m_sinceDeviceCheck.restart();
+    return !QFileInfo::exists(m_devicePath);
+}
+
+void SerialTransport::Write(const QByteArray &bytes)
+{
+    if (!m_port.isOpen())
+        return;
+    const qint64 written = m_port.write(bytes);
+    // Hand the bytes to the system now, so the busy loop between characters
+    // paces the wire and not Qt's buffer.
+    const bool flushed = written == bytes.size() && (m_port.flush() || m_port.bytesToWrite() == 0);
+    if (!flushed || m_port.error() == QSerialPort::WriteError || m_port.error() == QSerialPort::ResourceError)
+        Lose(m_port.errorString());
+}
+
+void SerialTransport::Poll()
+{
+    if (!m_port.isOpen())
+        return;
+    m_port.waitForReadyRead(0);
+    const qint64 waiting = m_port.bytesAvailable();
+    if (waiting > 0)
+        m_received += m_port.read(waiting);
+    const QSerialPort::SerialPortError error = m_port.error();
+    if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError
+        || error == QSerialPort::PermissionError) {
+        Lose(m_port.errorString());
+        return;
+    }
+    if (error == QSerialPort::TimeoutError)
+        m_port.clearError(); // waitForReadyRead(0) found nothing: not a fault
+    if (DeviceVanished())
+        Lose(QStringLiteral("device %1 is gone").arg(m_devicePath));
+}
+
+} // namespace kvr

@@ -1,0 +1,114 @@
+#include "link/TcpTransport.h"
+#include <QCoreApplication>
+
+namespace kvr {
+
+namespace {
+bool Pending(const QTcpSocket &socket)
+{
+    const auto state = socket.state();
+    return state == QAbstractSocket::HostLookupState || state == QAbstractSocket::ConnectingState;
+}
+}
+
+TcpTransport::TcpTransport(QObject *parent) : Transport(parent)
+{
+    m_client.setObjectName(QStringLiteral("tcpClient"));
+    m_heartbeat.setObjectName(QStringLiteral("tcpHeartbeat"));
+    connect(&m_client, &QTcpSocket::connected, this, [this] {
+        // Lines go out as a text and a lone carriage return: without this
+        // the second write would wait for the board's delayed ACK.
+        m_client.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        m_wasConnected = true;
+        emit ClientConnected();
+    });
+    connect(&m_client, &QTcpSocket::errorOccurred, this, &TcpTransport::OnClientError);
+    connect(&m_heartbeat, &QTcpSocket::errorOccurred, this, &TcpTransport::OnHeartbeatError);
+}
+
+void TcpTransport::Connect(const QString &host, quint16 port)
+{
+    Close();
+    m_received.clear();
+    m_host = host;
+    m_port = port;
+    m_wasConnected = false;
+    m_client.connectToHost(host, port);
+    if (m_heartbeatPort != 0)
+        m_heartbeat.connectToHost(host, m_heartbeatPort);
+}
+
+bool TcpTransport::IsConnecting() const
+{
+    return Pending(m_client) || Pending(m_heartbeat);
+}
+
+void TcpTransport::GiveUp(const QString &reason)
+{
+    if (Pending(m_client)) {
+        m_client.abort();
+        emit ClientError(reason);
+    }
+    if (Pending(m_heartbeat)) {
+        m_heartbeat.abort();
+        emit HeartbeatError(reason);
+    }
+}
+
+bool TcpTransport::IsUsable() const
+{
+    return m_client.state() == QAbstractSocket::ConnectedState;
+}
+
+void TcpTransport::Write(const QByteArray &bytes)
+{
+    if (!IsUsable())
+        return;
+    m_client.write(bytes);
+    m_client.flush();
+}
+
+void TcpTransport::Close()
+{
+    CloseClient();
+    m_heartbeat.abort();
+}
+
+void TcpTransport::CloseClient()
+{
+    // Keep what already arrived readable; drop the connection at once.
+    if (m_client.bytesAvailable() > 0)
+        m_received += m_client.readAll();
+    m_client.abort();
+}
+
+void TcpTransport::BeforeCount()
+{
+    QCoreApplication::processEvents();
+}
+
+void TcpTransport::Poll()
+{
+    if (m_client.bytesAvailable() > 0)
+        m_received += m_client.readAll();
+}
+
+void TcpTransport::OnClientError(QAbstractSocket::SocketError)
+{
+    const QString description = m_client.errorString();
+    const bool wasConnected = m_wasConnected;
+    m_wasConnected = false;
+    CloseClient();
+    emit ClientError(description);
+    if (wasConnected)
+        emit LinkLost(description);
+}
+
+void TcpTransport::OnHeartbeatError(QAbstractSocket::SocketError)
+{
+    const QString description = m_heartbeat.errorString();
+    m_heartbeat.abort();
+    emit HeartbeatError(description);
+}
+
+} // namespace kvr

@@ -1,0 +1,100 @@
+#pragma once
+// The interactive terminal without its window: the screen buffer, what the
+// board's bytes do to it, capture to file, keys typed, the interrupt
+// sequence, the cursor blink and the indicators. The window frmEmulator
+// forwards its events here and paints what this holds.
+#include "app/AppContext.h"
+#include "link/Link.h"
+#include "link/ScreenModel.h"
+#include "link/TerminalHost.h"
+#include <QFile>
+#include <QObject>
+
+namespace kvr {
+
+class Terminal : public QObject, public TerminalHost {
+    Q_OBJECT
+public:
+    // Ctrl-C, Ctrl-Q, Escape, blank, ";".
+    static const QString InterruptSequence;
+    // Timer ticks between two cursor blinks, and how long the serial error
+    // indicator stays up.
+    static constexpr int BlinkTicks = 6;
+    static constexpr int SerialErrorTicks = 200;
+    // Bytes painted between two yields to the event loop inside one batch.
+    static constexpr int YieldEvery = 16384;
+
+    Terminal(AppContext &context, Link &link, QObject *parent = nullptr);
+    ~Terminal() override;
+
+    ScreenModel &Screen() { return m_screen; }
+    const ScreenModel &Screen() const { return m_screen; }
+    Link &TheLink() { return m_link; }
+
+    // One ComInputTimer tick: blink, indicator countdown, ShowReceived.
+    void Tick();
+    // Takes every waiting byte from the link and paints it.
+    void ShowReceived();
+
+    // Characters typed in the window, as the keyboard gives them.
+    void KeyTyped(const QString &text);
+    // F1, F2 and Tab are handled on key down; true when the key was used.
+    bool KeyDown(int qtKey, bool shift);
+
+    void ToggleCapture();
+    bool IsCapturing() const { return m_capture.isOpen(); }
+    QString CapturePath() const { return m_capture.fileName(); }
+
+    void Zap();
+    // Flips `Caps Lock, ON or OFF` and saves it.
+    void ToggleCapsLock();
+    bool CapsLockOn() const { return m_context.settings.IsOn(m_context.settings.capsLock); }
+    void ChooseBackgroundColor();
+    void ChooseTextColor();
+
+    bool InputTimerEnabled() const { return m_inputTimerEnabled; }
+    bool CursorShown() const { return m_blink; }
+    bool SerialErrorShown() const { return m_serialErrorTicks > 0; }
+    void ShowSerialError();
+    bool ProgressVisible() const { return m_progressVisible; }
+    void SetProgressCapacity(int capacity) { m_progressCapacity = capacity; }
+
+    // TerminalHost
+    void SetInputTimerEnabled(bool enabled) override;
+    void ShowBytes(const QByteArray &bytes) override;
+    void ClearScreen() override;
+    void BringForward() override { emit BringForwardRequested(); }
+    void SetProgressVisible(bool visible) override;
+    int ProgressCapacity() const override { return m_progressCapacity; }
+    QString ProgressText() const override { return m_progressText; }
+    void SetProgressText(const QString &text) override;
+    void SendInterrupt() override;
+
+signals:
+    void ScreenChanged();
+    void InputTimerChanged(bool enabled);
+    void CursorBlinked();
+    void IndicatorsChanged();
+    void ColorsChanged();
+    void BringForwardRequested();
+    void HelpRequested();
+    void FocusEditorRequested();
+    // Opens a file in an editor window (the captured text after a capture).
+    void OpenInEditor(const QString &path);
+
+private:
+    AppContext &m_context;
+    Link &m_link;
+    ScreenModel m_screen;
+    QFile m_capture;
+    bool m_inputTimerEnabled = true;
+    bool m_blink = false;
+    bool m_inShowReceived = false;
+    int m_ticks = 0;
+    int m_serialErrorTicks = 0;
+    bool m_progressVisible = false;
+    int m_progressCapacity = 40;
+    QString m_progressText;
+};
+
+} // namespace kvr

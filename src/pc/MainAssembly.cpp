@@ -1,0 +1,186 @@
+#include "pc/MainAssembly.h"
+#include "app/BoardChoice.h"
+#include "app/ui/frmComputer.h"
+#include "app/ui/frmMDI.h"
+#include "compiler/ui/CompilerWindows.h"
+#include "editor/ui/EditorWindows.h"
+#include "link/Link.h"
+#include "link/StartupCommands.h"
+#include "link/ui/frmEmulator.h"
+#include "link/ui/frmRemote.h"
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QCoreApplication>
+#include <QPlainTextEdit>
+
+namespace kvr {
+
+MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLine &commandLine)
+    : QObject(&frame), m_context(context), m_frame(frame), m_commandLine(commandLine),
+      m_link(std::make_unique<Link>(context))
+{
+    InstallTerminal();
+    InstallEditors();
+    InstallCompiler();
+    connect(&m_frame, &frmMDI::PortRequested, this, &MainAssembly::SwitchPort);
+}
+
+void MainAssembly::InstallEditors()
+{
+    m_editors = new EditorWindows(m_context, m_frame.MdiArea(), this);
+    m_editors->ConnectFrame(&m_frame);
+    EditorPool &pool = m_editors->Pool();
+    Terminal &terminal = m_terminal->Logic();
+    connect(&terminal, &Terminal::OpenInEditor, &pool, &EditorPool::DisplayFile);
+    connect(&pool, &EditorPool::HaltRequested, &terminal, &Terminal::SendInterrupt);
+    connect(&pool, &EditorPool::TerminalFocusRequested, this, [this] {
+        for (QMdiSubWindow *window : m_frame.MdiArea()->subWindowList())
+            if (window->widget() == m_terminal) {
+                m_frame.MdiArea()->setActiveSubWindow(window);
+                m_terminal->setFocus();
+            }
+    });
+    connect(&pool, &EditorPool::ExitRequested, &m_frame, &QWidget::close);
+    connect(&pool, &EditorPool::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    // Exit asks about every changed editor window; Cancel abandons it.
+    m_frame.SetCloseGuard([&pool] { return pool.CloseAll(); });
+}
+
+EditorHost &MainAssembly::Editors()
+{
+    return m_editors->Pool();
+}
+
+void MainAssembly::InstallTerminal()
+{
+    m_terminal = new frmEmulator(m_context, *m_link);
+    QMdiSubWindow *window = m_frame.MdiArea()->addSubWindow(m_terminal);
+    window->setWindowTitle(m_terminal->windowTitle());
+    window->resize(m_terminal->sizeHint() + QSize(8, 30));
+    LinkController &controller = m_terminal->Controller();
+    Terminal &terminal = m_terminal->Logic();
+    // A simulated board for this run is reached without a heartbeat.
+    if (!m_commandLine.simulatorHost.isEmpty())
+        controller.Tcp().SetHeartbeatPort(0);
+    m_frame.SetTcpConnectedProvider([&controller] { return controller.IsTcpConnected(); });
+    connect(&controller, &LinkController::PortChanged, &m_frame, &frmMDI::UpdateTicks);
+    connect(&controller, &LinkController::CaptionChanged, &m_frame, &frmMDI::UpdateCaption);
+    connect(m_frame.Item(QStringLiteral("mnuFCapture")), &QAction::triggered, &terminal, &Terminal::ToggleCapture);
+    connect(m_frame.Item(QStringLiteral("mnuZap")), &QAction::triggered, &terminal, &Terminal::Zap);
+    connect(m_frame.Item(QStringLiteral("mnuOCapsLock")), &QAction::triggered, &terminal, &Terminal::ToggleCapsLock);
+    connect(m_frame.Item(QStringLiteral("mnuIP")), &QAction::triggered, this, [this] {
+        frmRemote dialog(m_context, m_terminal->Controller(), &m_frame);
+        dialog.exec();
+    });
+    connect(&terminal, &Terminal::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    connect(&terminal, &Terminal::FocusEditorRequested, this, [this] {
+        const QList<QMdiSubWindow *> windows = m_frame.MdiArea()->subWindowList(QMdiArea::ActivationHistoryOrder);
+        for (auto it = windows.rbegin(); it != windows.rend(); ++it)
+            if ((*it)->widget() != m_terminal && (*it)->isVisible()) {
+                m_frame.MdiArea()->setActiveSubWindow(*it);
+                return;
+            }
+    });
+    window->show();
+}
+
+void MainAssembly::InstallCompiler()
+{
+    m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), &m_editors->Pool(), m_frame.MdiArea(),
+                                      this);
+    connect(m_compiler, &CompilerWindows::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    connect(m_compiler, &CompilerWindows::FrameCommand, this, [this](const QString &name) {
+        if (QAction *item = m_frame.Item(name))
+            item->trigger();
+    });
+}
+
+void MainAssembly::OpenFirstEditorWindow()
+{
+    EditorPool &pool = m_editors->Pool();
+    const QString current = m_context.settings.currentFile;
+    if (current.left(8) != QLatin1String("Not Used"))
+        pool.OpenFile(current);
+    if (pool.OpenIndexes().isEmpty())
+        pool.FileNew();
+}
+
+void MainAssembly::SwitchPort(int port)
+{
+    m_terminal->Controller().SelectPort(port);
+}
+
+void MainAssembly::ConnectToBoard()
+{
+    LinkController &controller = m_terminal->Controller();
+    if (m_context.settings.IsTcpMode()) {
+        if (!controller.IsTcpConnected())
+            controller.ConnectRemote();
+        QCoreApplication::processEvents();
+        if (!controller.IsTcpConnected())
+            return;
+        m_link->Pause(0.8);
+    }
+    // No port open: nothing to greet (the open has said why already).
+    if (!m_link->CurrentTransport() || !m_link->CurrentTransport()->IsUsable())
+        return;
+    SendStartupCommands(*m_link, m_terminal->Logic());
+    m_terminal->BringForward();
+}
+
+void MainAssembly::ShowOpeningDialogue()
+{
+    frmOpening dialog(m_context.settings, &m_frame);
+    const int outcome = dialog.exec();
+    const QString showAgain = dialog.ShowAgain() ? QStringLiteral("ON") : QStringLiteral("OFF");
+    const bool showChanged = showAgain != m_context.settings.openingDialogue;
+    m_context.settings.openingDialogue = showAgain;
+    if (outcome == frmOpening::Skip) {
+        if (showChanged)
+            m_context.WriteSettings();
+        return;
+    }
+    const BoardChoice choice = dialog.Choice();
+    const bool switchLink = ApplyBoardChoice(m_context.settings, choice);
+    m_context.WriteSettings();
+    if (switchLink)
+        SwitchPort(choice.port);
+    else
+        ConnectToBoard();
+    if (outcome == frmOpening::OpenFile)
+        if (QAction *open = m_frame.Item(QStringLiteral("mnuFOpen")))
+            open->trigger();
+}
+
+void MainAssembly::Start()
+{
+    // The terminal's load handler opens the configured link first.
+    m_terminal->Load();
+    OpenFirstEditorWindow();
+    if (!m_commandLine.simulatorHost.isEmpty())
+        ConnectToBoard();
+    else if (m_context.settings.openingDialogue != QLatin1String("OFF"))
+        ShowOpeningDialogue();
+    else
+        ConnectToBoard();
+    if (m_context.settings.wordsDatabase == NotUsed) {
+        const QString current = m_context.settings.currentFile;
+        m_context.settings.wordsDatabase =
+            current.left(8) == QLatin1String("Not Used")
+                ? m_context.paths.ProgramFolder() + QStringLiteral("KVR-PC.MDB")
+                : current.left(current.size() - 4) + QStringLiteral(".MDB");
+    }
+    m_frame.UpdateCaption();
+    m_frame.UpdateMenuState();
+}
+
+} // namespace kvr

@@ -1,0 +1,184 @@
+#pragma once
+// A compile set-up without windows: scripted prompts, a test clock, an
+// in-memory board, and fakes for the terminal window and the editor pool.
+#include "app/AppContext.h"
+#include "app/ScriptedPrompts.h"
+#include "app/Text.h"
+#include "compiler/CompileDriver.h"
+#include "compiler/CompileReport.h"
+#include "editor/EditorHost.h"
+#include "link/Link.h"
+#include "link/MemoryTransport.h"
+#include "link/TerminalHost.h"
+#include "TempDir.h"
+#include "TestClock.h"
+#include <QMap>
+#include <QTemporaryDir>
+#include <memory>
+
+namespace kvr::test {
+
+class FakeTerminal : public TerminalHost {
+public:
+    void SetInputTimerEnabled(bool enabled) override { timerStates.append(enabled); }
+    void ShowBytes(const QByteArray &bytes) override { shown += bytes; }
+    void ClearScreen() override {}
+    void BringForward() override { ++broughtForward; }
+    void SetProgressVisible(bool visible) override { progressStates.append(visible); }
+    int ProgressCapacity() const override { return capacity; }
+    QString ProgressText() const override { return progressText; }
+    void SetProgressText(const QString &text) override { progressText = text; }
+    void SendInterrupt() override { ++interrupts; }
+
+    QList<bool> timerStates;
+    QList<bool> progressStates;
+    QByteArray shown;
+    QString progressText;
+    int capacity = 3;
+    int broughtForward = 0;
+    int interrupts = 0;
+};
+
+// The in-memory board, with a hook where a real TCP link yields to the
+// event loop (keys such as F2 are handled there).
+class YieldingTransport : public MemoryTransport {
+public:
+    std::function<void()> beforeCount;
+
+protected:
+    void BeforeCount() override
+    {
+        if (beforeCount)
+            beforeCount();
+    }
+};
+
+struct FakeWindow {
+    QString caption;
+    QString text;
+    int selStart = 0;
+    int selLength = 0;
+};
+
+class FakeEditor : public EditorHost {
+public:
+    int ActiveIndex() const override { return active; }
+    QString Caption(int index) const override { return windows.value(index).caption; }
+    QString Text(int index) const override { return windows.value(index).text; }
+    int SelStart(int index) const override { return windows.value(index).selStart; }
+    int SelLength(int index) const override { return windows.value(index).selLength; }
+    void Select(int index, int start, int length) override
+    {
+        windows[index].selStart = start;
+        windows[index].selLength = length;
+    }
+    void OpenFile(const QString &name) override { opened.append(name); }
+    void LoadFile(const QString &name) override
+    {
+        loaded.append(name);
+        if (loadCreatesWindow)
+            windows.insert(windows.size() + 1, {name.toUpper(), loadText, 0, 0});
+    }
+    void SaveBeforeCompile(int index) override { savedFrom.append(index); }
+    bool ShowLine(const QString &caption, int lineNumber) override
+    {
+        for (auto it = windows.cbegin(); it != windows.cend(); ++it) {
+            if (it->caption == caption) {
+                active = it.key();
+                shownLines.append({caption, lineNumber});
+                return true;
+            }
+        }
+        return false;
+    }
+    QList<int> OpenIndexes() const override { return windows.keys(); }
+
+    QMap<int, FakeWindow> windows;
+    int active = 0;
+    QStringList opened;
+    QStringList loaded;
+    QList<int> savedFrom;
+    QList<QPair<QString, int>> shownLines;
+    bool loadCreatesWindow = false;
+    QString loadText;
+};
+
+// The simulated board's answers: the echo, then " ok"; scripted replies by
+// line; "BASE @ HEX HERE U. BASE !" answers with `here`.
+struct ScriptedBoard {
+    QMap<QByteArray, QByteArray> replies; // line -> whole reply (no echo added)
+    QByteArray here = "1A2B";
+    QList<QByteArray> silent;             // lines that get no answer
+    std::function<void(const QByteArray &)> onLine;
+
+    QByteArray operator()(const QByteArray &line)
+    {
+        if (onLine)
+            onLine(line);
+        if (silent.contains(line))
+            return {};
+        if (replies.contains(line))
+            return replies.value(line);
+        if (line == "BASE @ HEX HERE U. BASE !")
+            return line + " " + here + "  ok\r\n";
+        return line + "  ok\r\n";
+    }
+};
+
+struct CompileFixture {
+    QTemporaryDir dir;
+    ScriptedPrompts prompts;
+    TestClock clock;
+    std::unique_ptr<Paths> paths;
+    std::unique_ptr<AppContext> context;
+    YieldingTransport transport;
+    std::unique_ptr<Link> link;
+    FakeTerminal terminal;
+    FakeEditor editor;
+    std::unique_ptr<CompileReport> report;
+    std::unique_ptr<CompileDriver> driver;
+    ScriptedBoard board;
+
+    CompileFixture()
+    {
+        clock.stepPerReading = 1;
+        paths = std::make_unique<Paths>(dir.path() + QStringLiteral("/settings"));
+        paths->Prepare();
+        context = std::make_unique<AppContext>(*paths, prompts, clock);
+        context->settings.timeout = QStringLiteral("1000");
+        link = std::make_unique<Link>(*context);
+        context->settings.delay4410 = QStringLiteral("0");
+        link->SetTransport(&transport);
+        transport.SetResponder([this](const QByteArray &line) { return board(line); });
+        report = std::make_unique<CompileReport>(*context);
+        driver = std::make_unique<CompileDriver>(*context, *link, &terminal, &editor, *report);
+    }
+
+    // Writes a source file (lines joined with CR LF) below the temporary folder.
+    QString Write(const QString &relative, const QStringList &lines)
+    {
+        const QString path = dir.path() + QLatin1Char('/') + relative;
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile file(path);
+        file.open(QIODevice::WriteOnly);
+        file.write((lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")).toLatin1());
+        return path;
+    }
+
+    // Lines the board received, without the end-of-program question.
+    QStringList Sent() const
+    {
+        QStringList result;
+        for (const QByteArray &line : transport.lines)
+            if (line != "BASE @ HEX HERE U. BASE !")
+                result.append(QString::fromLatin1(line));
+        return result;
+    }
+
+    QString Prefix(const QString &file, int line) const
+    {
+        return ShortenPath(file) + QStringLiteral(" - line ") + QString::number(line);
+    }
+};
+
+} // namespace kvr::test

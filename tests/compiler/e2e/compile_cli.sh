@@ -1,0 +1,183 @@
+#!/usr/bin/env bash
+# kvr compile against the simulated board: nested INCLUDE files found in the
+# source folder, an extra search path and the program folder, conditional
+# blocks spanning files, an unknown word, the other faults, Ctrl-C, JSON.
+set -u
+BIN=${KVR_BIN_DIR:?}
+work=$(mktemp -d)
+board_pid=""
+cleanup() {
+    [ -n "$board_pid" ] && kill "$board_pid" 2>/dev/null && wait "$board_pid" 2>/dev/null
+    rm -rf "$work"
+}
+trap cleanup EXIT
+failures=0
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+expect_eq() { [ "$1" == "$2" ] || fail "$3: expected '$2', got '$1'"; }
+
+# The board, on a free port, logging every line it receives.
+"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/board.log" > "$work/board.out" 2> "$work/board.err" &
+board_pid=$!
+port=""
+for _ in $(seq 1 200); do
+    port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/board.out")
+    [ -n "$port" ] && break
+    kill -0 "$board_pid" 2>/dev/null || break
+    sleep 0.05
+done
+[ -n "$port" ] || { echo "kvr-board did not start:"; cat "$work/board.err"; exit 1; }
+
+settings="$work/settings"
+mkdir -p "$settings/program" "$work/src" "$work/extra"
+crlf() { sed 's/$/\r/' > "$1"; }
+crlf "$settings/KVR-PC.INI" <<INI
+[Parameters]
+KVR computer type=4410ANS
+Intercharacter delay - KVR4410=0
+Timeout=3000
+Extra source file search paths=$work/extra/;
+INI
+
+kvr() { "$BIN/kvr" --settings-dir "$settings" compile "$@" --remote "127.0.0.1:$port"; }
+
+# --- a program of four files in three folders, with blocks across files
+crlf "$work/src/Main.kvr" <<'SRC'
+\ main program
+#CONDITION FAST
+INCLUDE io            \ in the source folder
+#IF SLOW
+: SPEED 1 ;
+INCLUDE never
+#ELSEIF FAST
+: SPEED 9 ;
+INCLUDE mid
+: AFTER-MID  MID-WORD SPEED + ;
+QUICK ON
+: SQ   DUP  *   ;   \ compacted
+QUICK OFF
+AFTER-MID SQ IO-WORD + DROP
+SRC
+crlf "$work/src/NEVER.KVR" <<'SRC'
+\ included although its INCLUDE sits in a skipped branch; its lines are skipped
+NO-SUCH-WORD
+SRC
+crlf "$work/src/IO.KVR" <<'SRC'
+: IO-WORD 3 ;
+: IO-WORD 4 ;
+SRC
+crlf "$work/extra/MID.KVR" <<'SRC'
+\ found along the extra search path; the block of Main ends here
+: MID-WORD 5 ;
+#ELSE
+NO-SUCH-WORD
+#ENDIF
+INCLUDE proglib
+INCLUDE io
+SRC
+crlf "$settings/program/PROGLIB.KVR" <<'SRC'
+: PROG-WORD  IO-WORD 1+ ;
+	\ a tab-indented comment goes to the board
+SRC
+
+out=$(kvr "$work/src/Main.kvr" 2> "$work/err")
+status=$?
+expect_eq "$status" 0 "finished program exit status"
+upper=$(echo "$work" | tr a-z A-Z)
+short() { local p="$1"; if [ ${#p} -gt 38 ]; then echo "...${p: -34}"; else echo "$p"; fi; }
+main_short=$(short "$upper/SRC/MAIN.KVR")
+expected="$main_short - line 3: FILE IO.KVR INCLUDED
+$main_short - line 6: FILE NEVER.KVR INCLUDED
+$main_short - line 9: FILE MID.KVR INCLUDED
+$(short "$work/extra/MID.KVR") - line 6: FILE PROGLIB.KVR INCLUDED
+$(short "$work/extra/MID.KVR") - line 7: FILE IO.KVR ALREADY COMPILED
+$main_short - line 11: QUICK ON
+$main_short - line 13: QUICK OFF"
+expect_eq "$(echo "$out" | grep -v 'FINISHED at' | grep -v 'NOT UNIQUE')" "$expected" "report lines"
+echo "$out" | grep -q "$(short "$upper/SRC/IO.KVR") - line 2: IO-WORD NOT UNIQUE" || fail "NOT UNIQUE warning missing: $out"
+echo "$out" | tail -n 1 | grep -Eq "^$main_short - FINISHED at [0-9A-F]{1,4}$" || fail "no FINISHED at line: $out"
+grep -q "NO-SUCH-WORD" "$work/board.log" && fail "a skipped branch reached the board"
+grep -q "^: SQ DUP \* ;$" "$work/board.log" || fail "quick compile did not compact the line"
+grep -qP "^\t\\\\ a tab-indented comment" "$work/board.log" || fail "tab-indented comment not sent"
+grep -q "INCLUDE" "$work/board.log" && fail "an INCLUDE line reached the board"
+[ -s "$work/err" ] && fail "unexpected messages: $(cat "$work/err")"
+
+# --- an unknown word stops the compile with the board's message
+crlf "$work/src/BAD.KVR" <<'SRC'
+: OK-WORD 1 ;
+: USES  OK-WORD  UNKNOWN-WORD ;
+: NEVER-SENT ;
+SRC
+out=$(kvr "$work/src/BAD.KVR" 2> "$work/err")
+expect_eq "$?" 1 "unknown word exit status"
+echo "$out" | tail -n 1 | grep -q "$(short "$upper/SRC/BAD.KVR") - line 2: UNKNOWN-WORD ?  - " \
+    || fail "board error not reported: $out"
+grep -q "NEVER-SENT" "$work/board.log" && fail "compile went on after the error"
+
+# --- other faults
+printf '%081d\r\n' 0 > "$work/src/LONG.KVR"
+out=$(kvr "$work/src/LONG.KVR" 2>/dev/null)
+expect_eq "$?" 1 "over-long line exit status"
+echo "$out" | grep -q "line 1: OVER 80 CHARACTERS" || fail "over-long line not reported: $out"
+
+printf 'INCLUDE NOWHERE\r\n' > "$work/src/MISS.KVR"
+out=$(kvr "$work/src/MISS.KVR" 2> "$work/err")
+expect_eq "$?" 1 "missing include exit status"
+expect_eq "$(echo "$out" | tail -n 1)" "HALTED COMPILE, FILE NOT FOUND: NOWHERE.KVR" "missing include report"
+grep -q "Can't open file NOWHERE.KVR" "$work/err" || fail "no message on stderr: $(cat "$work/err")"
+
+printf '#ENDIF\r\n' > "$work/src/COND.KVR"
+kvr "$work/src/COND.KVR" > /dev/null 2>&1
+expect_eq "$?" 1 "conditional error exit status"
+
+cp "$work/src/BAD.KVR" "$work/src/BAD.TXT"
+kvr "$work/src/BAD.TXT" > /dev/null 2> "$work/err"
+expect_eq "$?" 3 "wrong extension exit status"
+grep -q "Extension not .KVR, can not compile" "$work/err" || fail "extension message missing"
+
+"$BIN/kvr" --settings-dir "$settings" compile "$work/src/Main.kvr" --remote 127.0.0.1:1 > /dev/null 2>&1
+expect_eq "$?" 2 "refused connection exit status"
+"$BIN/kvr" --settings-dir "$settings" compile > /dev/null 2>&1
+expect_eq "$?" 3 "usage exit status"
+kvr "$work/src/Main.kvr" --type 9999 > /dev/null 2>&1
+expect_eq "$?" 3 "bad type exit status"
+
+# --- JSON for CI
+out=$(kvr "$work/src/BAD.KVR" --json 2>/dev/null)
+echo "$out" | grep -q '"kind":"board-error","line":2,' || fail "json board error: $out"
+echo "$out" | tail -n 1 | grep -q '"event":"summary".*"exit":1.*"lines_sent":2.*"outcome":"board-error"' \
+    || fail "json summary: $out"
+
+# --- Ctrl-C halts a long compile as F2 does
+for i in $(seq 1 20000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
+"$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$port" \
+    > "$work/halt.out" 2> "$work/err" &
+kvr_pid=$!
+for _ in $(seq 1 400); do
+    [ "$(grep -c '^: W' "$work/board.log")" -gt 50 ] && break
+    sleep 0.02
+done
+kill -INT "$kvr_pid"
+wait "$kvr_pid"
+expect_eq "$?" 4 "halted exit status"
+expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report"
+grep -q "^: W20000 " "$work/board.log" && fail "halt did not stop the compile"
+
+# --- the same program over a serial port (a pseudo-terminal board)
+"$BIN/kvr-board" --pty --link "$work/ttyKVR" > "$work/pty.out" 2> "$work/pty.err" &
+pty_pid=$!
+for _ in $(seq 1 200); do
+    [ -e "$work/ttyKVR" ] && grep -q '^pty ' "$work/pty.out" && break
+    sleep 0.05
+done
+printf '\r\n[Serial devices]\r\nCOM5=%s\r\n' "$work/ttyKVR" >> "$settings/KVR-PC.INI"
+out=$("$BIN/kvr" --settings-dir "$settings" compile "$work/src/Main.kvr" --port COM5 2> "$work/err")
+expect_eq "$?" 0 "serial compile exit status"
+echo "$out" | tail -n 1 | grep -Eq "^$main_short - FINISHED at [0-9A-F]{1,4}$" || fail "serial: $out $(cat "$work/err")"
+kill "$pty_pid"; wait "$pty_pid" 2>/dev/null
+"$BIN/kvr" --settings-dir "$settings" compile "$work/src/Main.kvr" --port COM5 > /dev/null 2>&1
+expect_eq "$?" 2 "vanished serial port exit status"
+
+# The settings file is never changed by the command line.
+grep -q "Quick compile" "$settings/KVR-PC.INI" && fail "settings were written"
+
+[ "$failures" -eq 0 ] && echo "PASS" || exit 1

@@ -1,0 +1,135 @@
+#!/usr/bin/env bash
+# F8 in an editor window of the real program on the simulated board: a
+# program with nested INCLUDE files across folders finishes; an unknown word
+# stops the compile and the failing line is selected in the editor (typing
+# replaces it); F2 in the editor halts a long compile.
+source "${KVR_SOURCE_DIR:?}/tests/e2e/lib.sh"
+
+start_display
+start_board --log "$E2E_DIR/board.log"
+
+src="$E2E_DIR/src"
+extra="$E2E_DIR/extra"
+mkdir -p "$SETTINGS_DIR/program" "$src" "$extra"
+crlf() { sed 's/$/\r/' > "$1"; }
+crlf "$SETTINGS_DIR/KVR-PC.INI" <<INI
+[Parameters]
+KVR-PC version=3.20
+KVR computer type=4410ANS
+Opening dialogue=OFF
+Wizard question=OFF
+Intercharacter delay - KVR4410=0
+Timeout=3000
+Extra source file search paths=$extra/;
+INI
+
+crlf "$src/MAIN.KVR" <<'SRC'
+#CONDITION FAST
+INCLUDE io
+#IF SLOW
+NO-SUCH-WORD
+#ELSE
+INCLUDE mid
+: FIN  MID-WORD PROG-WORD + IO-WORD + ;
+FIN DROP
+SRC
+crlf "$src/IO.KVR" <<'SRC'
+: IO-WORD 3 ;
+SRC
+crlf "$extra/MID.KVR" <<'SRC'
+: MID-WORD 5 ;
+#ENDIF
+INCLUDE proglib
+SRC
+crlf "$SETTINGS_DIR/program/PROGLIB.KVR" <<'SRC'
+: PROG-WORD  IO-WORD 1+ ;
+SRC
+
+# The board keeps its log open: new lines are told apart by a mark, not by
+# emptying the file.
+MARK=0
+mark() { MARK=$(wc -l < "$E2E_DIR/board.log"); }
+since_mark() { tail -n +$((MARK + 1)) "$E2E_DIR/board.log"; }
+sent() { since_mark | grep -c . || true; }
+# start FILE: kvr-pc on FILE, past the connect message; sets FRAME.
+start() {
+    mark
+    start_pc --simulator "127.0.0.1:$BOARD_PORT" "$1"
+    # The connect message shares its title with the frame's first caption:
+    # answer whatever carries that title until the frame says "connected".
+    local deadline=$((SECONDS + 30)) wid
+    FRAME=""
+    while [ -z "$FRAME" ]; do
+        [ $SECONDS -lt $deadline ] || fail "not connected; windows: $(visible_windows)"
+        for wid in $(xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null); do
+            keys "$wid" Return || true
+        done
+        sleep 0.3
+        FRAME=$(window_id '^KVR-PC for Windows - KVR4410 ANS Forth - IP addresss 127.0.0.1 port [0-9]+ - connected$') || true
+    done
+    # The terminal comes forward after the greeting; Tab takes the focus
+    # to the editor window.
+    wait_until 10 eval 'since_mark | grep -q START' || fail "board not greeted"
+    sleep 1
+    keys "$FRAME" Tab
+    sleep 0.3
+}
+
+stop() {
+    keys "$FRAME" alt+f
+    sleep 0.3
+    xdotool key x
+    wait_exit 10 "$PC_PID" || fail "kvr-pc did not exit"
+}
+
+end_question='^BASE @ HEX HERE U\. BASE !$'
+
+# --- the program finishes
+start "$src/MAIN.KVR"
+keys "$FRAME" F8
+wait_until 20 eval 'since_mark | grep -q "$end_question"' \
+    || fail "no FINISHED (board got: $(since_mark))"
+screenshot finished
+grep -q "NO-SUCH-WORD" "$E2E_DIR/board.log" && fail "a skipped line reached the board"
+grep -q "^FIN DROP$" "$E2E_DIR/board.log" || fail "last line not compiled"
+stop
+
+# --- an unknown word: the failing line is selected in the editor
+crlf "$src/BAD.KVR" <<'SRC'
+: GOOD 1 ;
+: USES GOOD UNKNOWN-WORD ;
+: LATER 2 ;
+SRC
+start "$src/BAD.KVR"
+keys "$FRAME" F8
+wait_until 20 eval 'since_mark | grep -q UNKNOWN-WORD' || fail "bad line not sent"
+sleep 1
+screenshot board-error
+since_mark | grep -q "LATER" && fail "compile went on after the error"
+since_mark | grep -q "$end_question" && fail "error compile asked for HERE"
+# Typing replaces the selected line; F8 saves the window and sends the
+# text again, so file and board show which line was selected.
+type_text "$FRAME" "2 DROP"
+mark
+keys "$FRAME" F8
+wait_until 20 eval 'since_mark | grep -q "$end_question"' || fail "second compile did not finish"
+expect=$(printf ': GOOD 1 ;\n2 DROP\n: LATER 2 ;')
+[ "$(tr -d '\r' < "$src/BAD.KVR")" == "$expect" ] || fail "the failing line was not the selection: $(cat -v "$src/BAD.KVR")"
+[ "$(since_mark | grep -v -e START -e "$end_question")" == "$expect" ] || fail "board got: $(since_mark)"
+stop
+
+# --- F2 in the editor halts a long compile
+for i in $(seq 1 20000); do echo ": L$i $i ;"; done | crlf "$src/LONG.KVR"
+start "$src/LONG.KVR"
+keys "$FRAME" F8
+wait_until 20 eval '[ "$(sent)" -gt 100 ]' || fail "long compile did not start"
+keys "$FRAME" F2
+sleep 1
+before=$(sent)
+sleep 1
+[ "$(sent)" -le $((before + 2)) ] || fail "compile still running after F2 ($before, then $(sent) lines)"
+since_mark | grep -q "^: L20000 " && fail "F2 came too late to test"
+since_mark | grep -q "$end_question" && fail "halted compile asked for HERE"
+screenshot halted
+stop
+echo "compile window: ok"

@@ -1,0 +1,412 @@
+// The line engine driven through whole compile runs on the in-memory board.
+#include "CompileFixture.h"
+#include <QtTest>
+
+using namespace kvr;
+using namespace kvr::test;
+
+class TestLineEngine : public QObject {
+    Q_OBJECT
+private slots:
+    void SendsLinesAndFinishes();
+    void FinishedAddress_data();
+    void FinishedAddress();
+    void BoardProgramKeepsEndAddress();
+    void Failures_data();
+    void Failures();
+    void LineLengthLimit_data();
+    void LineLengthLimit();
+    void CommentsAndTabs();
+    void IncludeOnceAndNesting();
+    void HundredAndFirstIncludeIgnored();
+    void IncludeNotFound();
+    void PcLinesInsideSkippedBranch();
+    void ConditionalBlockSpansFiles();
+    void QuickCompileCompactsLines();
+    void QuickLineSwitchesSettings();
+    void NotUniqueRepeatedAfterTimeout();
+    void HaltWithF2();
+    void QuietReceiveAndProgress();
+    void ShownReceivePaintsTraffic();
+    void GarbageFromBoardAndFile();
+};
+
+void TestLineEngine::SendsLinesAndFinishes()
+{
+    CompileFixture f;
+    const QString main = f.Write("MAIN.KVR", {": SQ DUP * ;", "", "   ", "5 SQ ."});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{": SQ DUP * ;", "5 SQ ."}));
+    QCOMPARE(f.transport.lines.last(), QByteArray("BASE @ HEX HERE U. BASE !"));
+    QCOMPARE(f.report->Lines(), QStringList{ShortenPath(main) + " - FINISHED at 1A2B"});
+    QCOMPARE(f.driver->State().endOfProgramAddress, QStringLiteral("1A2B"));
+    QCOMPARE(f.context->compileOutcome, CompileOutcome::Running);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+    QCOMPARE(f.context->busyState, BusyState::Idle);
+    QVERIFY(f.driver->State().topLevelFile.isEmpty());
+    QCOMPARE(f.terminal.timerStates, (QList<bool>{false, true}));
+    // Each line is the text and one carriage return, nothing else.
+    QVERIFY(f.transport.sent.startsWith(": SQ DUP * ;\r5 SQ .\r"));
+    QCOMPARE(f.prompts.beeps, 2); // the report line and the closing beep
+}
+
+void TestLineEngine::FinishedAddress_data()
+{
+    QTest::addColumn<QByteArray>("here");
+    QTest::addColumn<QString>("reported");
+    QTest::addColumn<QString>("address");
+    QTest::newRow("four digits") << QByteArray("8F00") << "8F00" << "8F00";
+    QTest::newRow("three digits show what follows") << QByteArray("12A") << "12A" << "12A ";
+    QTest::newRow("two digits") << QByteArray("C0") << "C0" << "C0  ";
+}
+
+void TestLineEngine::FinishedAddress()
+{
+    QFETCH(QByteArray, here);
+    QFETCH(QString, reported);
+    QFETCH(QString, address);
+    CompileFixture f;
+    f.board.here = here;
+    const QString main = f.Write("MAIN.KVR", {"1 DROP"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.report->LastLine(), ShortenPath(main) + " - FINISHED at " + reported);
+    QCOMPARE(f.driver->State().endOfProgramAddress, address);
+}
+
+void TestLineEngine::BoardProgramKeepsEndAddress()
+{
+    CompileFixture f;
+    f.driver->State().endOfProgramAddress = QStringLiteral("4000");
+    const QString prog = f.Write("PROGINT.KVR", {"1 DROP"});
+    f.driver->CompileFile(prog);
+    QCOMPARE(f.report->LastLine(), ShortenPath(prog) + " - FINISHED at 1A2B");
+    QCOMPARE(f.driver->State().endOfProgramAddress, QStringLiteral("4000"));
+}
+
+void TestLineEngine::Failures_data()
+{
+    QTest::addColumn<QStringList>("source");
+    QTest::addColumn<QByteArray>("reply");       // reply to the line "X"
+    QTest::addColumn<QString>("reportTail");     // after the prefix of line 2
+    QTest::addColumn<int>("outcome");
+    QTest::addColumn<int>("runEnd");
+    QTest::addColumn<QStringList>("sent");
+
+    const QStringList source = {"1 DROP", "X", "2 DROP"};
+    QTest::newRow("board error stops with word and message")
+        << source << QByteArray("X X ?  - undefined word\r\n") << ": X ?  - undefined word" << 1
+        << int(RunEnd::BoardError) << QStringList{"1 DROP", "X"};
+    QTest::newRow("error word found by looking back")
+        << source << QByteArray("1 2 FOO BAR ?  - not found\r\n") << ": BAR ?  - not found" << 1
+        << int(RunEnd::BoardError) << QStringList{"1 DROP", "X"};
+    QTest::newRow("error word at the start of the reply")
+        << source << QByteArray("BAR ?  - not found\r\n") << ": BAR ?  - not found" << 1
+        << int(RunEnd::BoardError) << QStringList{"1 DROP", "X"};
+    QTest::newRow("look-back limited to 31 characters")
+        << source << QByteArray("A ") + QByteArray(40, 'W') + " ?  - msg\r\n"
+        << ": " + QString(31, 'W') + " ?  - msg" << 1 << int(RunEnd::BoardError) << QStringList{"1 DROP", "X"};
+    QTest::newRow("redefinition warns and goes on")
+        << source << QByteArray(": X ; X NOT UNIQUE  ok\r\n") << ": X NOT UNIQUE" << 0 << int(RunEnd::Finished)
+        << QStringList{"1 DROP", "X", "2 DROP"};
+    QTest::newRow("redefined word at the start of the reply")
+        << source << QByteArray("DUP NOT UNIQUE ok\r\n") << ": DUP NOT UNIQUE" << 0 << int(RunEnd::Finished)
+        << QStringList{"1 DROP", "X", "2 DROP"};
+    QTest::newRow("marker needs two blanks")
+        << source << QByteArray("X X ? - odd\r\n") << "" << 0 << int(RunEnd::Finished)
+        << QStringList{"1 DROP", "X", "2 DROP"};
+    QTest::newRow("no reply: not responding")
+        << source << QByteArray() << "" << 2 << int(RunEnd::NotResponding) << QStringList{"1 DROP", "X"};
+    QTest::newRow("reply without line feed: not responding")
+        << source << QByteArray("X  ok\r") << "" << 2 << int(RunEnd::NotResponding) << QStringList{"1 DROP", "X"};
+    QTest::newRow("out-of-order directive")
+        << QStringList{"1 DROP", "#ENDIF", "2 DROP"} << QByteArray() << ": CONDITIONAL COMPILATION ERROR" << 1
+        << int(RunEnd::ConditionalError) << QStringList{"1 DROP"};
+    QTest::newRow("second #IF before #ENDIF")
+        << QStringList{"#IF A", "#IF B", "2 DROP"} << QByteArray() << ": CONDITIONAL COMPILATION ERROR" << 1
+        << int(RunEnd::ConditionalError) << QStringList{};
+}
+
+void TestLineEngine::Failures()
+{
+    QFETCH(QStringList, source);
+    QFETCH(QByteArray, reply);
+    QFETCH(QString, reportTail);
+    QFETCH(int, outcome);
+    QFETCH(int, runEnd);
+    QFETCH(QStringList, sent);
+
+    CompileFixture f;
+    if (reply.isEmpty())
+        f.board.silent.append("X");
+    else
+        f.board.replies.insert("X", reply);
+    const QString main = f.Write("MAIN.KVR", source);
+    f.driver->CompileFile(main);
+
+    QCOMPARE(f.Sent(), sent);
+    QCOMPARE(int(f.context->compileOutcome), outcome);
+    QCOMPARE(int(f.driver->State().runEnd), runEnd);
+    QVERIFY(f.driver->State().topLevelFile.isEmpty());
+    const QStringList lines = f.report->Lines();
+    if (!reportTail.isEmpty())
+        QVERIFY2(lines.contains(f.Prefix(main, 2) + reportTail), qPrintable(lines.join('\n')));
+    if (runEnd == int(RunEnd::NotResponding)) {
+        QCOMPARE(lines.last(), QStringLiteral("KVR4410 NOT RESPONDING"));
+        QCOMPARE(f.prompts.MessageTexts(), QStringList{Link::NotRespondingText("4410ANS")});
+        QCOMPARE(f.prompts.shown.first().icon, PromptIcon::Exclamation);
+    } else {
+        QVERIFY(f.prompts.shown.isEmpty());
+    }
+    if (runEnd != int(RunEnd::Finished))
+        QVERIFY(!f.transport.lines.contains("BASE @ HEX HERE U. BASE !"));
+}
+
+void TestLineEngine::LineLengthLimit_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("80 characters") << QString(78, 'A') + " ." << true;
+    QTest::newRow("81 characters") << QString(79, 'A') + " ." << false;
+    QTest::newRow("81-character comment") << "\\ " + QString(79, 'C') << false;
+    QTest::newRow("trailing blanks do not count") << QString(80, 'A') + "     " << true;
+}
+
+void TestLineEngine::LineLengthLimit()
+{
+    QFETCH(QString, line);
+    QFETCH(bool, accepted);
+    CompileFixture f;
+    const QString main = f.Write("MAIN.KVR", {"1 DROP", line, "2 DROP"});
+    f.editor.windows.insert(1, {main, {}, 0, 0});
+    f.driver->CompileFile(main);
+    if (accepted) {
+        QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+        QVERIFY(!f.report->LastLine().contains("OVER 80"));
+    } else {
+        QCOMPARE(f.report->Lines(), QStringList{f.Prefix(main, 2) + ": OVER 80 CHARACTERS"});
+        QCOMPARE(f.Sent(), QStringList{"1 DROP"});
+        QCOMPARE(f.context->compileOutcome, CompileOutcome::Running);
+        QVERIFY(f.editor.shownLines.isEmpty()); // no editor is opened at the line
+    }
+}
+
+void TestLineEngine::CommentsAndTabs()
+{
+    CompileFixture f;
+    const QString main =
+        f.Write("MAIN.KVR", {"\\ a comment", "    \\ indented comment", "\t\\ tab-indented comment", "include lib",
+                             "QUICK", "INCLUDE", "#condition", "1 DROP"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{"\t\\ tab-indented comment", "include lib", "QUICK", "INCLUDE", "#condition",
+                                    "1 DROP"}));
+}
+
+void TestLineEngine::IncludeOnceAndNesting()
+{
+    CompileFixture f;
+    const QString main = f.Write("MAIN.KVR", {"INCLUDE A", "INCLUDE lib \\ twice", "M"});
+    f.Write("A.KVR", {"A1", "INCLUDE LIB ( tools )", "A2"});
+    f.Write("lib.kvr", {"L1", "L2"});
+    f.driver->CompileFile(main);
+
+    QCOMPARE(f.Sent(), (QStringList{"A1", "L1", "L2", "A2", "M"}));
+    const QString folder = QFileInfo(main).absolutePath();
+    QCOMPARE(f.report->Lines(),
+             (QStringList{f.Prefix(main, 1) + ": FILE A.KVR INCLUDED",
+                          f.Prefix(folder + "/A.KVR", 2) + ": FILE LIB.KVR INCLUDED",
+                          f.Prefix(main, 2) + ": FILE LIB.KVR ALREADY COMPILED",
+                          ShortenPath(main) + " - FINISHED at 1A2B"}));
+    QCOMPARE(f.driver->State().compiledFiles, (QStringList{"A.KVR", "LIB.KVR"}));
+    QCOMPARE(f.prompts.beeps, 5); // every report line and the closing beep
+}
+
+void TestLineEngine::HundredAndFirstIncludeIgnored()
+{
+    CompileFixture f;
+    QStringList mainLines;
+    for (int i = 1; i <= 101; ++i) {
+        const QString name = QStringLiteral("F%1").arg(i);
+        f.Write(name + ".KVR", {QStringLiteral("%1 DROP").arg(i)});
+        mainLines.append("INCLUDE " + name);
+    }
+    const QString main = f.Write("MAIN.KVR", mainLines);
+    f.driver->CompileFile(main);
+
+    const QStringList sent = f.Sent();
+    QCOMPARE(sent.size(), 100);
+    QCOMPARE(sent.last(), QStringLiteral("100 DROP"));
+    QCOMPARE(f.driver->State().compiledFiles.size(), 100);
+    const QStringList lines = f.report->Lines();
+    QCOMPARE(lines.size(), 101); // 100 INCLUDED and FINISHED; nothing for the 101st
+    QVERIFY(!lines.join('\n').contains("F101"));
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+}
+
+void TestLineEngine::IncludeNotFound()
+{
+    CompileFixture f;
+    const QString main = f.Write("MAIN.KVR", {"1 DROP", "INCLUDE MISSING", "2 DROP"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), QStringList{"1 DROP"});
+    QCOMPARE(f.report->LastLine(), QStringLiteral("HALTED COMPILE, FILE NOT FOUND: MISSING.KVR"));
+    QCOMPARE(f.prompts.MessageTexts(), QStringList{"Can't open file MISSING.KVR"});
+    QCOMPARE(f.context->compileOutcome, CompileOutcome::Running);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::FileNotFound);
+
+    CompileFixture g;
+    const QString gone = g.dir.path() + "/GONE.KVR";
+    g.driver->CompileFile(gone);
+    QCOMPARE(g.report->Lines(), QStringList{"HALTED COMPILE, FILE NOT FOUND: " + ShortenPath(gone)});
+    QVERIFY(g.transport.lines.isEmpty());
+}
+
+void TestLineEngine::PcLinesInsideSkippedBranch()
+{
+    CompileFixture f;
+    const QString main = f.Write("MAIN.KVR", {"#IF NEVER", "INCLUDE LIB", "#CONDITION X", "QUICK ON", "SKIPPED",
+                                              "#ENDIF", "#IF X", "TAKEN   (  x  )", "#ENDIF"});
+    f.Write("LIB.KVR", {"IN LIB"});
+    f.driver->CompileFile(main);
+    // The INCLUDE took effect; LIB's line was read inside the skipped branch.
+    // The blank that ended the word before the comment stays.
+    QCOMPARE(f.Sent(), QStringList{"TAKEN "});
+    QCOMPARE(f.driver->State().conditionValue, QStringLiteral("X"));
+    QCOMPARE(f.context->settings.quickCompile, QStringLiteral("ON"));
+    QVERIFY(f.report->Lines().contains(f.Prefix(main, 2) + ": FILE LIB.KVR INCLUDED"));
+    QVERIFY(f.report->Lines().contains(f.Prefix(main, 4) + ": QUICK ON"));
+}
+
+void TestLineEngine::ConditionalBlockSpansFiles()
+{
+    CompileFixture f;
+    const QString main = f.Write("MAIN.KVR", {"#CONDITION KVR6630 \\ board", "#IF KVR4410", "INCLUDE OPEN",
+                                              "FOUR-B", "#ENDIF", "AFTER"});
+    f.Write("OPEN.KVR", {"FOUR-A", "#ELSEIF kvr6630", "SIX-A", "INCLUDE SET"});
+    f.Write("SET.KVR", {"#CONDITION LATER", "SIX-B"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{"SIX-A", "SIX-B", "FOUR-B", "AFTER"}));
+    QCOMPARE(f.driver->State().conditionValue, QStringLiteral("LATER"));
+}
+
+void TestLineEngine::QuickCompileCompactsLines()
+{
+    CompileFixture f;
+    f.context->settings.quickCompile = QStringLiteral("ON");
+    const QString main = f.Write("MAIN.KVR", {": SQ  DUP *  ;  \\ square", ".\" A  ( B )\"", "( only a comment )"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{": SQ DUP * ;", ".\" A  ( B )\""}));
+}
+
+void TestLineEngine::QuickLineSwitchesSettings()
+{
+    CompileFixture f;
+    QSignalSpy written(f.context.get(), &AppContext::SettingsWritten);
+    const QString main = f.Write("MAIN.KVR", {"QUICK ON \\ fast", "A  B", "QUICK OFF", "C  D"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{"A B", "C  D"}));
+    QCOMPARE(f.context->settings.quickCompile, QStringLiteral("OFF"));
+    QCOMPARE(f.context->settings.noCompileDisplay, QStringLiteral("OFF"));
+    QCOMPARE(f.terminal.progressStates, (QList<bool>{true, false, false}));
+    QCOMPARE(written.count(), 2);
+    QVERIFY(f.report->Lines().contains(f.Prefix(main, 1) + ": QUICK ON"));
+    QVERIFY(f.report->Lines().contains(f.Prefix(main, 3) + ": QUICK OFF"));
+}
+
+void TestLineEngine::NotUniqueRepeatedAfterTimeout()
+{
+    CompileFixture f;
+    f.board.replies.insert(": DUP ;", ": DUP ; DUP NOT UNIQUE  ok\r\n");
+    f.board.silent.append("SLOW");
+    const QString main = f.Write("MAIN.KVR", {": DUP ;", "SLOW"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.report->Lines(), (QStringList{f.Prefix(main, 1) + ": DUP NOT UNIQUE", "KVR4410 NOT RESPONDING",
+                                             f.Prefix(main, 2) + ": DUP NOT UNIQUE"}));
+    QCOMPARE(f.context->compileOutcome, CompileOutcome::NotResponding);
+}
+
+void TestLineEngine::HaltWithF2()
+{
+    CompileFixture f;
+    f.board.onLine = [&f](const QByteArray &line) {
+        if (line == "2 DROP")
+            f.driver->HaltCompile();
+    };
+    const QString main = f.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{"1 DROP", "2 DROP"}));
+    QCOMPARE(f.report->LastLine(), QStringLiteral("HALTED COMPILE WITH F2"));
+    QCOMPARE(f.context->compileOutcome, CompileOutcome::HaltRequested);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Halted);
+    QCOMPARE(f.terminal.interrupts, 1);
+    QVERIFY(f.editor.shownLines.isEmpty());
+    QCOMPARE(f.terminal.timerStates.last(), true);
+
+    // F2 while the engine waits for a reply that the interrupt took away:
+    // no time-out, no not-responding message, just the halt.
+    CompileFixture g;
+    g.board.silent.append("2 DROP");
+    g.context->settings.timeout = QStringLiteral("100000");
+    g.transport.beforeCount = [&g] {
+        if (g.transport.lines.contains("2 DROP") && g.context->compileOutcome == CompileOutcome::Running)
+            g.driver->HaltCompile();
+    };
+    g.driver->CompileFile(g.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP"}));
+    QCOMPARE(g.Sent(), (QStringList{"1 DROP", "2 DROP"}));
+    QCOMPARE(g.report->Lines(), QStringList{"HALTED COMPILE WITH F2"});
+    QVERIFY(g.prompts.shown.isEmpty());
+    QCOMPARE(g.context->compileOutcome, CompileOutcome::HaltRequested);
+    QVERIFY(g.clock.ticks < 10000); // it did not wait for the time-out
+}
+
+void TestLineEngine::QuietReceiveAndProgress()
+{
+    CompileFixture f;
+    f.context->settings.noCompileDisplay = QStringLiteral("ON");
+    f.terminal.capacity = 2;
+    // Bit 7 set on every character, controls in the middle, text after the
+    // line feed that must not be kept, and a reply longer than 160.
+    QByteArray marked;
+    for (char c : QByteArray("X X ?  - bad"))
+        marked += char(c | 0x80);
+    f.board.replies.insert("A", "A\x07 ok\r\n" "JUNK");
+    f.board.replies.insert("B", QByteArray(170, 'b') + "Z\r\n");
+    f.board.replies.insert("X", marked + "\r\n");
+    const QString main = f.Write("MAIN.KVR", {"A", "B", "X"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.report->LastLine(), f.Prefix(main, 3) + ": X ?  - bad");
+    QCOMPARE(f.terminal.progressText, QString(1, QChar(127))); // 3 lines on a bar of 2
+    QCOMPARE(f.terminal.progressStates, (QList<bool>{true, false}));
+    QVERIFY(f.terminal.shown.isEmpty());
+    QCOMPARE(f.driver->State().replyLine, QStringLiteral("X X ?  - bad"));
+}
+
+void TestLineEngine::ShownReceivePaintsTraffic()
+{
+    CompileFixture f;
+    f.board.replies.insert("A", "A ok\r\nLATER");
+    const QString main = f.Write("MAIN.KVR", {"A"});
+    f.driver->CompileFile(main);
+    QVERIFY(f.terminal.shown.startsWith("A ok\r\n"));
+    QVERIFY(!f.terminal.shown.contains("LATER"));
+    QCOMPARE(f.terminal.progressStates, QList<bool>{false});
+}
+
+void TestLineEngine::GarbageFromBoardAndFile()
+{
+    CompileFixture f;
+    QByteArray garbage;
+    for (int i = 0; i < 256; ++i)
+        garbage += char(i);
+    f.board.replies.insert("G", garbage + garbage);
+    const QString main = f.dir.path() + "/BIN.KVR";
+    QFile file(main);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("G\r\n" + QByteArray("\0\x01\x02\xff\xfe", 5) + "\r" + QByteArray(100000, 'x'));
+    file.close();
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent().first(), QStringLiteral("G"));
+    QCOMPARE(f.report->LastLine(), f.Prefix(main, 3) + ": OVER 80 CHARACTERS");
+}
+
+QTEST_GUILESS_MAIN(TestLineEngine)
+#include "tst_lineengine.moc"

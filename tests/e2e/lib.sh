@@ -1,0 +1,126 @@
+# Shared helpers for end-to-end tests: a private X display with a window
+# manager, the simulated board, the real kvr-pc, and xdotool to drive it.
+# Source this file; every test gets its own scratch folder and display.
+set -euo pipefail
+
+: "${KVR_BIN_DIR:?KVR_BIN_DIR must name the bin folder of the build}"
+: "${KVR_SOURCE_DIR:?KVR_SOURCE_DIR must name the source tree}"
+unset QT_QPA_PLATFORM   # the real window, on the private display
+
+E2E_DIR=$(mktemp -d /tmp/kvr-e2e.XXXXXX)
+E2E_PIDS=()
+E2E_NAME=$(basename "$0" .sh)
+E2E_SHOTS=${KVR_E2E_SHOTS:-$KVR_BIN_DIR/../e2e-screenshots}
+mkdir -p "$E2E_SHOTS"
+
+e2e_cleanup() {
+    local pid
+    for pid in "${E2E_PIDS[@]}"; do
+        kill "$pid" 2>/dev/null || true
+    done
+    for pid in "${E2E_PIDS[@]}"; do
+        wait "$pid" 2>/dev/null || true
+    done
+    rm -rf "$E2E_DIR"
+}
+trap e2e_cleanup EXIT
+
+fail() {
+    echo "FAIL: $*" >&2
+    screenshot "failure" || true
+    exit 1
+}
+
+# wait_until SECONDS COMMAND...: polls COMMAND until it succeeds.
+wait_until() {
+    local seconds=$1
+    shift
+    local deadline=$((SECONDS + seconds))
+    until "$@" >/dev/null 2>&1; do
+        [ $SECONDS -lt $deadline ] || return 1
+        sleep 0.1
+    done
+}
+
+start_display() {
+    local fdfile="$E2E_DIR/display"
+    Xvfb -displayfd 9 -screen 0 1280x1024x24 -nolisten tcp 9>"$fdfile" 2>"$E2E_DIR/xvfb.log" &
+    E2E_PIDS+=($!)
+    wait_until 10 test -s "$fdfile" || fail "Xvfb did not start"
+    export DISPLAY=":$(head -n1 "$fdfile")"
+    openbox >"$E2E_DIR/openbox.log" 2>&1 &
+    E2E_PIDS+=($!)
+    wait_until 10 xprop -root _NET_SUPPORTING_WM_CHECK || fail "window manager did not start"
+}
+
+# start_board [ARGS...]: starts kvr-board on a free port; sets BOARD_PORT.
+start_board() {
+    local out="$E2E_DIR/board.out"
+    "$KVR_BIN_DIR/kvr-board" --port 0 --no-heartbeat "$@" >"$out" 2>"$E2E_DIR/board.err" &
+    E2E_PIDS+=($!)
+    BOARD_PID=$!
+    wait_until 10 grep -q '^listening on' "$out" || fail "kvr-board did not start: $(cat "$E2E_DIR/board.err")"
+    BOARD_PORT=$(sed -n 's/^listening on [0-9.]*:\([0-9]*\).*/\1/p' "$out" | head -n1)
+}
+
+# start_pc [ARGS...]: starts kvr-pc with a private settings folder; sets PC_PID.
+SETTINGS_DIR="$E2E_DIR/settings"
+start_pc() {
+    "$KVR_BIN_DIR/kvr-pc" --settings-dir "$SETTINGS_DIR" "$@" >>"$E2E_DIR/pc.log" 2>&1 &
+    PC_PID=$!
+    E2E_PIDS+=($PC_PID)
+}
+
+# window_id NAME-REGEX: the first visible window whose title matches.
+window_id() {
+    xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1
+}
+
+has_window() {
+    [ -n "$(window_id "$1")" ]
+}
+
+visible_windows() {
+    local wid
+    for wid in $(xdotool search --onlyvisible --name . 2>/dev/null); do
+        printf '%s|' "$(xdotool getwindowname "$wid" 2>/dev/null)"
+    done
+}
+
+# wait_window SECONDS NAME-REGEX: waits for the window; prints its id.
+wait_window() {
+    local seconds=$1 name=$2
+    wait_until "$seconds" has_window "$name" \
+        || fail "no window named /$name/ within ${seconds}s; windows: $(visible_windows)"
+    window_id "$name"
+}
+
+# keys WINDOW KEY...: activates the window, then presses the keys in it.
+keys() {
+    local wid=$1
+    shift
+    xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
+    xdotool key --delay 40 "$@"
+}
+
+# type_text WINDOW TEXT: types into the focused window.
+type_text() {
+    local wid=$1
+    shift
+    xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
+    xdotool type --delay 30 "$*"
+}
+
+screenshot() {
+    local file="$E2E_SHOTS/$E2E_NAME-$1.png"
+    import -window root "$file" 2>/dev/null && echo "screenshot: $file"
+}
+
+# wait_exit SECONDS PID: waits for the process to end.
+process_gone() {
+    ! kill -0 "$1" 2>/dev/null
+}
+
+wait_exit() {
+    wait_until "$1" process_gone "$2"
+}

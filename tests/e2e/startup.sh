@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# First start on a fresh configuration: caption, complete settings file,
+# lock file and the lock question of a second start, clean exit.
+source "$(dirname "$0")/lib.sh"
+
+start_display
+start_pc
+frame=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM1$')
+ini="$SETTINGS_DIR/KVR-PC.INI"
+wait_until 5 test -f "$ini" || fail "no settings file"
+grep -q $'^KVR-PC version=3.20\r$' "$ini" || fail "version not 3.20: $(head -3 "$ini")"
+params=$(sed -n '/^\[Parameters\]/,/^\[/p' "$ini" | grep -c '=')
+colors=$(sed -n '/^\[Colors\]/,/^\[/p' "$ini" | grep -c '=')
+[ "$params" -eq 24 ] || fail "Parameters has $params keys"
+[ "$colors" -eq 18 ] || fail "Colors has $colors keys"
+test -f "$SETTINGS_DIR/kvr-pc.lck" || fail "no lock file"
+
+# The opening dialogue of a first start.
+dialogue=$(wait_window 10 '^Welcome to KVR-PC for Windows$')
+screenshot opening
+keys "$dialogue" Escape
+
+# A second start asks the lock question; OK ends it and keeps the lock.
+first=$PC_PID
+start_pc
+second=$PC_PID
+question=$(wait_window 20 '^KVR-PC for Windows$')
+screenshot lock-question
+keys "$question" Return
+wait_exit 10 "$second" || fail "second copy did not end after OK"
+test -f "$SETTINGS_DIR/kvr-pc.lck" || fail "lock file removed by the second copy"
+
+# Exit through the File menu removes the lock file.
+keys "$frame" alt+f
+sleep 0.3
+keys "$frame" x
+wait_exit 10 "$first" || fail "kvr-pc did not exit"
+test ! -f "$SETTINGS_DIR/kvr-pc.lck" || fail "lock file left behind"
+echo "startup: ok"

@@ -1,0 +1,78 @@
+#pragma once
+// In-memory editor windows for driving the editor pool without a screen,
+// and a pool with its context in a scratch folder.
+#include "TempDir.h"
+#include "TestClock.h"
+#include "app/AppContext.h"
+#include "app/ScriptedPrompts.h"
+#include "editor/EditorPool.h"
+#include <QTemporaryDir>
+#include <memory>
+
+namespace kvr::test {
+
+class FakeEditorView : public QObject, public EditorView {
+    Q_OBJECT
+public:
+    FakeEditorView(EditorPool &pool, int index) : m_pool(pool), index(index) {}
+
+    QObject *Object() override { return this; }
+    QString Caption() const override { return caption; }
+    void SetCaption(const QString &c) override { caption = c; }
+    QString Text() const override { return text; }
+    void SetText(const QString &t) override;
+    void Apply(const EditAction &action) override;
+    int SelStart() const override { return selStart; }
+    int SelLength() const override { return selLength; }
+    void Select(int start, int length) override;
+    void Place(int i) override { index = i; placedAt = i; }
+    void Activate() override { ++activations; }
+    bool Close() override;
+    void Discard() override;
+    void ShowRecentFiles(const QStringList &entries) override { recent = entries; }
+    void ShowBackups(const QStringList &names, int selected) override;
+    void HideBackups() override { backupsShown = false; }
+    void RefreshOptions() override { ++refreshes; }
+
+    // Types `typed` at the caret as the text box would.
+    void Type(const QString &typed);
+
+    EditorPool &m_pool;
+    int index = 0;
+    int placedAt = 0;
+    QString caption;
+    QString text;
+    int selStart = 0;
+    int selLength = 0;
+    int activations = 0;
+    int refreshes = 0;
+    bool closed = false;
+    QStringList recent;
+    QStringList backups;
+    int backupSelected = -1;
+    bool backupsShown = false;
+};
+
+class FakeFactory : public EditorViewFactory {
+public:
+    EditorView *CreateView(EditorPool &pool, int index) override;
+    QList<FakeEditorView *> created;
+    QObject owner;
+};
+
+// A pool over fake windows with its settings in a scratch folder.
+struct PoolFixture {
+    PoolFixture();
+    QString File(const QString &name) const { return dir.filePath(name); }
+    // The fake window of pool slot `index`.
+    FakeEditorView *View(int index) const;
+
+    QTemporaryDir dir;
+    ScriptedPrompts prompts;
+    TestClock clock;
+    std::unique_ptr<AppContext> context;
+    FakeFactory factory;
+    std::unique_ptr<EditorPool> pool;
+};
+
+} // namespace kvr::test

@@ -1,0 +1,465 @@
+// The editor pool's windows and files, driven through in-memory windows.
+#include "FakeEditorView.h"
+#include "app/IniFile.h"
+#include "editor/RecentFiles.h"
+#include "editor/SourceFile.h"
+#include <QtTest>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace kvr;
+using namespace kvr::test;
+
+namespace {
+const QString LongLineBox =
+    QStringLiteral("The following line has over 80 characters, you should correct it:\n");
+
+QByteArray Lines(int count, int length, char fill = 'A')
+{
+    QByteArray bytes;
+    for (int i = 0; i < count; ++i)
+        bytes += QByteArray(length, fill) + "\r\n";
+    return bytes;
+}
+
+// While alive, file permissions apply to this process even when it runs as
+// root: the effective user becomes "nobody".
+class AsUnprivileged {
+public:
+    AsUnprivileged() : m_was(geteuid())
+    {
+        if (m_was == 0)
+            m_ok = seteuid(65534) == 0;
+    }
+    ~AsUnprivileged()
+    {
+        if (m_was == 0 && m_ok)
+            (void)seteuid(0);
+    }
+    bool Dropped() const { return m_was != 0 || m_ok; }
+
+private:
+    uid_t m_was;
+    bool m_ok = true;
+};
+} // namespace
+
+class TestEditorFiles : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<PoolFixture> f;
+
+    int Load(const QString &name, const QByteArray &bytes)
+    {
+        WriteAll(f->File(name), bytes);
+        f->pool->LoadFile(f->File(name));
+        return f->pool->ActiveIndex();
+    }
+
+private slots:
+    void init() { f = std::make_unique<PoolFixture>(); }
+    void cleanup() { f.reset(); }
+
+    void newWindowsTakeTheLowestFreeSlot()
+    {
+        QCOMPARE(f->pool->FileNew(), 1);
+        QCOMPARE(f->pool->FileNew(), 2);
+        QCOMPARE(f->pool->FileNew(), 3);
+        QVERIFY(f->View(2)->Close());
+        QCOMPARE(f->pool->OpenIndexes(), (QList<int>{1, 3}));
+        QCOMPARE(f->pool->FileNew(), 2);
+        QCOMPARE(f->pool->Caption(2), QStringLiteral("Source code 2"));
+        QCOMPARE(f->View(2)->placedAt, 2);
+        QCOMPARE(f->pool->FileNew(), 4);
+        QCOMPARE(f->pool->UpperBound(), 4);
+    }
+
+    void newWindowIsAnnounced()
+    {
+        QSignalSpy created(f->pool.get(), &EditorHost::EditorCreated);
+        const int index = f->pool->FileNew();
+        QCOMPARE(created.count(), 1);
+        QCOMPARE(created.first().at(0).toInt(), index);
+        QCOMPARE(created.first().at(1).value<QObject *>(), f->View(index)->Object());
+    }
+
+    void longLineBoxes_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<int>("boxes");
+        QTest::newRow("80 characters: no box") << "A.KVR" << Lines(3, 80) << 0;
+        QTest::newRow("81 characters: a box") << "A.KVR" << Lines(1, 81) << 1;
+        QTest::newRow("lower-case extension is checked too") << "a.kvr" << Lines(1, 81) << 1;
+        QTest::newRow(".TXT is never checked") << "A.TXT" << Lines(5, 120) << 0;
+        QTest::newRow("twenty long lines, twenty boxes") << "B.KVR" << Lines(20, 90) << 20;
+        QTest::newRow("80 characters and trailing blanks count")
+            << "C.KVR" << QByteArray(80, 'A') + "   \r\n" << 1;
+    }
+    void longLineBoxes()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, content);
+        QFETCH(int, boxes);
+        const int index = Load(name, content);
+        QVERIFY(index > 0);
+        const QStringList texts = f->prompts.MessageTexts();
+        QCOMPARE(texts.size(), boxes);
+        for (const QString &text : texts)
+            QVERIFY(text.startsWith(LongLineBox));
+        if (boxes == 1)
+            QCOMPARE(texts.first(), LongLineBox + QString::fromLatin1(content).chopped(2)); // the line as read
+        QCOMPARE(f->pool->Caption(index), LogicalName(f->File(name)));
+        QVERIFY(!f->pool->FState(index).Dirty);
+    }
+
+    void textCeiling_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("cut");
+        // 819 lines of 78 + CR LF, then 13 + CR LF: 65,535 characters.
+        const QByteArray exact = Lines(819, 78) + QByteArray(13, 'B') + "\r\n";
+        QTest::newRow("exactly 65,535 loads whole") << exact << false;
+        QTest::newRow("one more line is cut") << exact + "C\r\n" << true;
+        QTest::newRow("last line without line end, one over")
+            << Lines(819, 78) + QByteArray(14, 'B') << true;
+    }
+    void textCeiling()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, cut);
+        const int index = Load(QStringLiteral("BIG.KVR"), content);
+        const QString text = f->pool->Text(index);
+        if (!cut) {
+            QCOMPARE(text.size(), 65535);
+            QVERIFY(f->prompts.shown.isEmpty());
+            return;
+        }
+        QCOMPARE(text.size(), 65535);
+        QCOMPARE(f->prompts.shown.size(), 1);
+        QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Critical);
+        QCOMPARE(f->prompts.shown[0].caption, AppTitle);
+        QCOMPARE(f->prompts.shown[0].text,
+                 QStringLiteral("The file ") + f->pool->Caption(index)
+                     + QStringLiteral(" is too long to fit in the source code window, the end part "
+                                      "is not displayed. If you alter the text then save it you "
+                                      "will lose some of the original file. You can close the "
+                                      "window now if you want to leave the original unaltered. "));
+    }
+
+    void loadNormalisesLines_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("CR LF") << QByteArray("A\r\nB\r\n") << "A\r\nB\r\n";
+        QTest::newRow("LF") << QByteArray("A\nB\n") << "A\r\nB\r\n";
+        QTest::newRow("CR") << QByteArray("A\rB\r") << "A\r\nB\r\n";
+        QTest::newRow("no final line end") << QByteArray("A\r\nB") << "A\r\nB\r\n";
+        QTest::newRow("trailing blanks go, leading blanks and tabs stay")
+            << QByteArray("  A  \r\n\tB\t \r\n   \r\n") << "  A\r\n\tB\t\r\n\r\n";
+        QTest::newRow("empty file") << QByteArray() << "";
+        QTest::newRow("empty lines kept") << QByteArray("\r\n\r\nX") << "\r\n\r\nX\r\n";
+    }
+    void loadNormalisesLines()
+    {
+        QFETCH(QByteArray, content);
+        const int index = Load(QStringLiteral("N.KVR"), content);
+        QTEST(f->pool->Text(index), "text");
+    }
+
+    void saveBytes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("last line without line end is written") << "A\r\nB" << QByteArray("A\r\nB\r\n");
+        QTest::newRow("text ending in CR LF gains no empty line") << "A\r\nB\r\n" << QByteArray("A\r\nB\r\n");
+        QTest::newRow("trailing blanks removed") << "A   \r\n  B  " << QByteArray("A\r\n  B\r\n");
+        QTest::newRow("blank line padded by Down is emptied") << "X\r\n          \r\nY" << QByteArray("X\r\n\r\nY\r\n");
+        QTest::newRow("empty text") << "" << QByteArray("\r\n");
+    }
+    void saveBytes()
+    {
+        QFETCH(QString, text);
+        QTEST(SourceBytesForSave(text), "bytes");
+    }
+
+    void everyByteSurvivesLoadAndSave()
+    {
+        QByteArray original;
+        QByteArray expected;
+        QByteArray line;
+        for (int b = 32; b <= 255; ++b) {
+            line += static_cast<char>(b);
+            if (line.size() == 40 || b == 255) {
+                expected += line + "\r\n";
+                original += line + (b % 3 ? "   " : " ") + "\r\n"; // trailing blanks
+                line.clear();
+            }
+        }
+        const int index = Load(QStringLiteral("BYTES.KVR"), original);
+        QVERIFY(f->pool->SaveFile(f->pool->Caption(index), index, false));
+        QCOMPARE(ReadAll(f->File(QStringLiteral("BYTES.KVR"))), expected);
+    }
+
+    void openingAnOpenFileActivatesIt()
+    {
+        const int index = Load(QStringLiteral("PUMP.KVR"), "X\r\n");
+        const int activations = f->View(index)->activations;
+        f->pool->OpenFile(f->File(QStringLiteral("pump.kvr")));
+        QCOMPARE(f->pool->OpenIndexes(), QList<int>{index});
+        QCOMPARE(f->View(index)->activations, activations + 1);
+        QCOMPARE(f->pool->CurrentFileName(), LogicalName(f->File(QStringLiteral("PUMP.KVR"))));
+    }
+
+    void openFailureLeavesNoWindow()
+    {
+        f->pool->OpenFile(f->File(QStringLiteral("MISSING.KVR")));
+        QVERIFY(f->pool->OpenIndexes().isEmpty());
+        QCOMPARE(f->prompts.MessageTexts(),
+                 QStringList{QStringLiteral("Can't open file: ")
+                             + LogicalName(f->File(QStringLiteral("MISSING.KVR")))});
+    }
+
+    void recentListOrder()
+    {
+        const QString ini = f->context->paths.SettingsFile();
+        WriteAll(ini, "[Parameters]\r\nTimeout=777\r\n[Custom]\r\nKeep=me\r\n");
+        QStringList names;
+        for (int i = 1; i <= 9; ++i) {
+            const QString name = QStringLiteral("F%1.KVR").arg(i);
+            WriteAll(f->File(name), "X\r\n");
+            names << LogicalName(f->File(name));
+        }
+        for (int i = 0; i < 8; ++i)
+            f->pool->OpenFile(names[i]);
+        QCOMPARE(ReadRecentFiles(ini).first(), names[7]);
+        QCOMPARE(ReadRecentFiles(ini).last(), names[0]);
+
+        // A listed file opened again leaves the order as it is.
+        for (int index : f->pool->OpenIndexes())
+            QVERIFY(f->View(index)->Close());
+        f->pool->OpenFile(names[3]);
+        QStringList expected;
+        for (int i = 7; i >= 0; --i)
+            expected << names[i];
+        QCOMPARE(ReadRecentFiles(ini), expected);
+
+        // A new one goes to the top; the eighth falls off.
+        QSignalSpy changed(f->pool.get(), &EditorPool::RecentFilesChanged);
+        f->pool->OpenFile(names[8]);
+        expected.prepend(names[8]);
+        expected.removeLast();
+        QCOMPARE(ReadRecentFiles(ini), expected);
+        QVERIFY(!changed.isEmpty());
+        QCOMPARE(changed.last().first().toStringList(), expected);
+        QCOMPARE(f->View(f->pool->ActiveIndex())->recent, expected);
+
+        IniFile kept;
+        kept.Load(ini);
+        QCOMPARE(kept.Value(QStringLiteral("Parameters"), QStringLiteral("Timeout"), {}), QStringLiteral("777"));
+        QCOMPARE(kept.Value(QStringLiteral("Custom"), QStringLiteral("Keep"), {}), QStringLiteral("me"));
+    }
+
+    void saveAsNamesTheWindow()
+    {
+        const int index = f->pool->FileNew();
+        f->View(index)->Type(QStringLiteral("1 2 +  "));
+        QVERIFY(f->pool->FState(index).Dirty);
+        f->prompts.fileNames.enqueue(f->File(QStringLiteral("new.kvr")));
+        QVERIFY(f->pool->Save(index));
+        QCOMPARE(f->prompts.shown.last().kind, QStringLiteral("save"));
+        QCOMPARE(f->prompts.shown.last().caption, QStringLiteral("Save Source code 1 as"));
+        QCOMPARE(f->prompts.shown.last().items, QStringList{QString()});
+        QCOMPARE(ReadAll(f->File(QStringLiteral("new.kvr"))), QByteArray("1 2 +\r\n"));
+        QCOMPARE(f->pool->Caption(index), LogicalName(f->File(QStringLiteral("new.kvr"))));
+        QVERIFY(!f->pool->FState(index).Dirty);
+        QCOMPARE(f->context->settings.currentFile, f->pool->Caption(index));
+        QCOMPARE(ReadRecentFiles(f->context->paths.SettingsFile()).first(), f->pool->Caption(index));
+    }
+
+    void saveAsCancelledChangesNothing()
+    {
+        const int index = f->pool->FileNew();
+        f->View(index)->Type(QStringLiteral("X"));
+        QVERIFY(!f->pool->SaveAs(index));
+        QCOMPARE(f->pool->Caption(index), QStringLiteral("Source code 1"));
+        QVERIFY(f->pool->FState(index).Dirty);
+    }
+
+    void failedSaveToReadOnlyFolderKeepsOldFile()
+    {
+        const QString folder = f->File(QStringLiteral("ro"));
+        QDir().mkpath(folder);
+        const QString path = folder + QStringLiteral("/KEEP.KVR");
+        WriteAll(path, "OLD\r\n");
+        f->pool->LoadFile(path);
+        const int index = f->pool->ActiveIndex();
+        f->View(index)->Type(QStringLiteral("NEW "));
+        const QString caption = f->pool->Caption(index);
+        ::chmod(QFile::encodeName(f->dir.path()).constData(), 0755);
+        ::chmod(QFile::encodeName(folder).constData(), 0555);
+        f->prompts.Clear();
+        bool saved = true;
+        {
+            AsUnprivileged drop;
+            QVERIFY(drop.Dropped());
+            saved = f->pool->SaveFile(caption, index, false);
+        }
+        ::chmod(QFile::encodeName(folder).constData(), 0755);
+        QVERIFY(!saved);
+        QCOMPARE(ReadAll(path), QByteArray("OLD\r\n"));
+        QVERIFY(f->pool->FState(index).Dirty);
+        QCOMPARE(f->pool->Caption(index), caption);
+        QCOMPARE(f->prompts.shown.size(), 1);
+        QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Information);
+        QCOMPARE(f->prompts.shown[0].text,
+                 QStringLiteral("Can't write file ") + caption
+                     + QStringLiteral(", it may be write-protected or not a legal file name."));
+    }
+
+    void failedSaveOnFullDiskKeepsOldFile()
+    {
+        const QString path = f->File(QStringLiteral("FULL.KVR"));
+        WriteAll(path, "OLD\r\n");
+        f->pool->LoadFile(path);
+        const int index = f->pool->ActiveIndex();
+        f->View(index)->Type(QString(4000, QLatin1Char('Z')));
+        f->prompts.Clear();
+        bool saved = true;
+        {
+            FileSizeLimit full(1000);
+            saved = f->pool->Save(index);
+        }
+        QVERIFY(!saved);
+        QCOMPARE(ReadAll(path), QByteArray("OLD\r\n"));
+        QVERIFY(f->pool->FState(index).Dirty);
+        QCOMPARE(f->prompts.shown.size(), 1);
+        QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Exclamation);
+        QVERIFY(!f->prompts.shown[0].text.startsWith(QStringLiteral("Can't write file")));
+        QDir folder(f->dir.path());
+        QCOMPARE(folder.entryList({QStringLiteral("FULL*")}, QDir::Files), QStringList{QStringLiteral("FULL.KVR")});
+    }
+
+    void closeQuestion_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("closed");
+        QTest::addColumn<QByteArray>("onDisk");
+        QTest::newRow("Yes saves and closes") << int(PromptAnswer::Yes) << true << QByteArray("OLD NEW\r\n");
+        QTest::newRow("No closes without saving") << int(PromptAnswer::No) << true << QByteArray("OLD\r\n");
+        QTest::newRow("Cancel keeps the window") << int(PromptAnswer::Cancel) << false << QByteArray("OLD\r\n");
+    }
+    void closeQuestion()
+    {
+        QFETCH(int, answer);
+        QFETCH(bool, closed);
+        const int index = Load(QStringLiteral("Q.KVR"), "OLD\r\n");
+        FakeEditorView *view = f->View(index);
+        view->Select(3, 0);
+        view->Type(QStringLiteral(" NEW"));
+        f->prompts.answers.enqueue(static_cast<PromptAnswer>(answer));
+        f->prompts.Clear();
+        QCOMPARE(f->pool->CloseAll(), closed);
+        QCOMPARE(view->closed, closed);
+        QCOMPARE(f->prompts.shown[0].text,
+                 QStringLiteral("The text in ") + view->caption
+                     + QStringLiteral(" has changed.\r\nDo you want to save the changes?"));
+        QCOMPARE(f->prompts.shown[0].buttons, PromptButtons::YesNoCancel);
+        QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Exclamation);
+        QTEST(ReadAll(f->File(QStringLiteral("Q.KVR"))), "onDisk");
+    }
+
+    void cleanWindowClosesWithoutQuestion()
+    {
+        const int index = Load(QStringLiteral("C.KVR"), "X\r\n");
+        QVERIFY(f->View(index)->Close());
+        QVERIFY(f->prompts.shown.isEmpty());
+        QCOMPARE(f->pool->ActiveIndex(), 0);
+    }
+
+    void saveBeforeCompile()
+    {
+        const int a = Load(QStringLiteral("A.KVR"), "A\r\n");
+        const int b = Load(QStringLiteral("B.KVR"), "B\r\n");
+        f->View(a)->Type(QStringLiteral("DIRTY "));
+        f->View(b)->Select(0, 1);
+        WriteAll(f->File(QStringLiteral("B.KVR")), "CHANGED ON DISK\r\n");
+        f->pool->SaveBeforeCompile(b);
+        QCOMPARE(ReadAll(f->File(QStringLiteral("A.KVR"))), QByteArray("DIRTY A\r\n"));
+        QCOMPARE(ReadAll(f->File(QStringLiteral("B.KVR"))), QByteArray("B\r\n")); // saved though clean
+        QCOMPARE(f->context->settings.currentFile, f->pool->Caption(b));
+        QCOMPARE(f->pool->SelLength(b), 0);
+        QVERIFY(!f->pool->FState(a).Dirty);
+    }
+
+    void showLineSelectsIt()
+    {
+        const int index = Load(QStringLiteral("L.KVR"), "ONE\r\nTWO\r\nTHREE\r\n");
+        const QString caption = f->pool->Caption(index);
+        QVERIFY(f->pool->ShowLine(caption, 2));
+        QCOMPARE(f->pool->SelStart(index), 5);
+        QCOMPARE(f->pool->SelLength(index), 4); // up to the line feed
+        QVERIFY(!f->pool->ShowLine(QStringLiteral("/NOT/OPEN.KVR"), 1));
+    }
+
+    void insertFile_data()
+    {
+        QTest::addColumn<bool>("exists");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("inserted at the caret, line ends as CR LF") << true << "AB1\r\n2\r\nCD";
+        QTest::newRow("missing file") << false << "ABCD";
+    }
+    void insertFile()
+    {
+        QFETCH(bool, exists);
+        const QString path = f->File(QStringLiteral("INS.TXT"));
+        if (exists)
+            WriteAll(path, "1\n2\r\n");
+        const int index = f->pool->FileNew();
+        f->View(index)->SetText(QStringLiteral("ABCD"));
+        f->View(index)->Select(2, 0);
+        f->prompts.fileNames.enqueue(path);
+        f->pool->InsertFile(index);
+        QCOMPARE(f->prompts.shown[0].caption, QStringLiteral("Insert file"));
+        QTEST(f->pool->Text(index), "text");
+        QCOMPARE(f->pool->FState(index).Dirty, exists);
+        if (!exists)
+            QCOMPARE(f->prompts.MessageTexts(), QStringList{QStringLiteral("Can't open file: ") + path});
+    }
+
+    void fileDelete_data()
+    {
+        QTest::addColumn<bool>("exists");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("goneAfter");
+        QTest::addColumn<QString>("failure");
+        QTest::newRow("confirmed") << true << int(PromptAnswer::Yes) << true << QString();
+        QTest::newRow("declined") << true << int(PromptAnswer::No) << false << QString();
+        QTest::newRow("missing file")
+            << false << int(PromptAnswer::Yes) << true
+            << "File not deleted, it may be write-protected or not a legal file name.";
+    }
+    void fileDelete()
+    {
+        QFETCH(bool, exists);
+        QFETCH(int, answer);
+        QFETCH(bool, goneAfter);
+        QFETCH(QString, failure);
+        const QString path = f->File(QStringLiteral("DEL.KVR"));
+        if (exists)
+            WriteAll(path, "X");
+        f->prompts.fileNames.enqueue(path);
+        f->prompts.answers.enqueue(static_cast<PromptAnswer>(answer));
+        f->pool->FileDelete();
+        QCOMPARE(f->prompts.shown[0].caption, QStringLiteral("File to delete"));
+        QCOMPARE(f->prompts.shown[1].text, QStringLiteral("Confirm deletion of file ") + path);
+        QCOMPARE(!QFile::exists(path), goneAfter);
+        if (!failure.isEmpty())
+            QCOMPARE(f->prompts.shown.last().text, failure);
+        else
+            QCOMPARE(f->prompts.shown.size(), 2);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEditorFiles)
+#include "tst_editorfiles.moc"

@@ -1,0 +1,350 @@
+// The editor window itself, offscreen: keys through the real text box,
+// menus, the Find dialog and the frame's recent-file items.
+#include "FakeEditorView.h"
+#include "editor/ui/EditorWindows.h"
+#include "editor/ui/SourceEdit.h"
+#include "editor/ui/frmNotePad.h"
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDialog>
+#include <QFontDatabase>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMdiArea>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QtTest>
+
+using namespace kvr;
+using namespace kvr::test;
+
+class TestEditorWindow : public QObject {
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    std::unique_ptr<ScriptedPrompts> m_prompts;
+    TestClock m_clock;
+    std::unique_ptr<AppContext> m_context;
+    std::unique_ptr<QMainWindow> m_frame;
+    QMdiArea *m_area = nullptr;
+    std::unique_ptr<EditorWindows> m_windows;
+
+    EditorPool &Pool() { return m_windows->Pool(); }
+    frmNotePad *Window(int index) { return dynamic_cast<frmNotePad *>(Pool().Document(index)); }
+    SourceEdit *Edit(int index) { return Window(index)->Text1(); }
+
+    int NewWithText(const QString &text)
+    {
+        const int index = Pool().FileNew();
+        Window(index)->SetText(text);
+        return index;
+    }
+
+private slots:
+    void init()
+    {
+        m_prompts = std::make_unique<ScriptedPrompts>();
+        const Paths paths(m_dir.filePath(QStringLiteral("settings")));
+        paths.Prepare();
+        m_context = std::make_unique<AppContext>(paths, *m_prompts, m_clock);
+        m_frame = std::make_unique<QMainWindow>();
+        m_area = new QMdiArea(m_frame.get());
+        m_frame->setCentralWidget(m_area);
+        QMenu *file = m_frame->menuBar()->addMenu(QStringLiteral("&File"));
+        for (int i = 0; i <= 8; ++i) {
+            QAction *a = file->addAction(QString());
+            a->setObjectName(QStringLiteral("mnuRecentFile(%1)").arg(i));
+            a->setVisible(false);
+        }
+        file->addAction(QStringLiteral("New"))->setObjectName(QStringLiteral("mnuFNew"));
+        m_windows = std::make_unique<EditorWindows>(*m_context, m_area);
+        m_windows->ConnectFrame(m_frame.get());
+        m_frame->resize(900, 700);
+        m_frame->show();
+    }
+    void cleanup()
+    {
+        // Close without questions.
+        for (int index : Pool().OpenIndexes())
+            Window(index)->Discard();
+        m_windows.reset();
+        m_frame.reset();
+        m_context.reset();
+    }
+
+    void windowHasItsNamesAndAnEmptyCompileMenu()
+    {
+        QSignalSpy created(&Pool(), &EditorHost::EditorCreated);
+        m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuFNew"))->trigger();
+        QCOMPARE(created.count(), 1);
+        auto *window = qobject_cast<QWidget *>(created.first().at(1).value<QObject *>());
+        QVERIFY(window);
+        QCOMPARE(window->objectName(), QStringLiteral("frmNotePad"));
+        QCOMPARE(window->windowTitle(), QStringLiteral("Source code 1"));
+        auto *compile = window->findChild<QMenu *>(QStringLiteral("mnuCompile"));
+        QVERIFY(compile);
+        QCOMPARE(compile->title(), QStringLiteral("&Compile"));
+        QVERIFY(compile->actions().isEmpty());
+        QVERIFY(window->findChild<SourceEdit *>(QStringLiteral("Text1")));
+        for (const char *name : {"mnuFSave", "mnuFBackup", "mnuFRestore", "mnuEInvert", "mnuETime",
+                                 "mnuEFind", "mnuEFindnext", "mnuOTInt", "mnuO4", "mnuRecentFile(8)"})
+            QVERIFY2(window->findChild<QAction *>(QString::fromLatin1(name)), name);
+    }
+
+    void f2HaltsTheCompile()
+    {
+        const int index = NewWithText(QString());
+        QSignalSpy halt(&Pool(), &EditorPool::HaltRequested);
+        QTest::keyClick(Edit(index), Qt::Key_F2);
+        QCOMPARE(halt.count(), 1);
+        QCOMPARE(m_context->compileOutcome, CompileOutcome::HaltRequested);
+    }
+
+    void typingPastColumn80ShowsTheBox()
+    {
+        const int index = NewWithText(QString());
+        QTest::keyClicks(Edit(index), QString(80, QLatin1Char('A')));
+        QCoreApplication::processEvents();
+        QVERIFY(m_prompts->MessageTexts().isEmpty());
+        QVERIFY(Pool().FState(index).Dirty);
+        QTest::keyClicks(Edit(index), QStringLiteral("B"));
+        QTRY_COMPARE(m_prompts->MessageTexts(),
+                     QStringList{QStringLiteral("Line too long. Shorten to 80 characters maximum.")});
+        QCOMPARE(m_prompts->beeps, 1);
+        QCOMPARE(Pool().Text(index), QString(80, QLatin1Char('A')) + QStringLiteral("B"));
+        QTest::keyClick(Edit(index), Qt::Key_Backspace);
+        QTest::keyClicks(Edit(index), QStringLiteral("C"));
+        QTRY_COMPARE(m_prompts->MessageTexts().size(), 2);
+    }
+
+    void quietSettingSilencesTheBeep()
+    {
+        m_context->settings.quiet = QStringLiteral("ON");
+        const int index = NewWithText(QString(80, QLatin1Char('X')));
+        Edit(index)->moveCursor(QTextCursor::End);
+        QTest::keyClicks(Edit(index), QStringLiteral("Y"));
+        QTRY_COMPARE(m_prompts->MessageTexts().size(), 1);
+        QCOMPARE(m_prompts->beeps, 0);
+    }
+
+    void keys_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("caret");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<int>("caretAfter");
+        QTest::newRow("Tab in column 6") << "ABCDEF" << 6 << int(Qt::Key_Tab) << "ABCDEF  " << 8;
+        QTest::newRow("Tab in column 8") << "ABCDEFGH" << 8 << int(Qt::Key_Tab) << "ABCDEFGH    " << 12;
+        QTest::newRow("Enter at the end repeats the indent")
+            << "    DUP" << 7 << int(Qt::Key_Return) << "    DUP\r\n    " << 13;
+        QTest::newRow("Enter in the middle splits") << "AB CD" << 2 << int(Qt::Key_Return) << "AB\r\n CD" << 4;
+        QTest::newRow("Down onto an empty line pads it")
+            << "0123456789AB\r\n\r\nZ" << 10 << int(Qt::Key_Down) << "0123456789AB\r\n          \r\nZ" << 24;
+        QTest::newRow("Delete before a line end takes CR LF") << "AB\r\nCD" << 2 << int(Qt::Key_Delete)
+                                                              << "ABCD" << 2;
+        QTest::newRow("Tab character never enters: control chars swallowed")
+            << "AB" << 1 << int(Qt::Key_Escape) << "AB" << 1;
+    }
+    void keys()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, caret);
+        QFETCH(int, key);
+        m_context->settings.tabSpaces = QStringLiteral("4");
+        const int index = NewWithText(text);
+        Window(index)->Select(caret, 0);
+        QTest::keyClick(Edit(index), static_cast<Qt::Key>(key));
+        QTEST(Pool().Text(index), "expected");
+        QTEST(Pool().SelStart(index), "caretAfter");
+    }
+
+    void shortcutsReachTheWindowMenus()
+    {
+        const QString path = m_dir.filePath(QStringLiteral("KEYS.KVR"));
+        WriteAll(path, "1 2 +\r\n");
+        Pool().OpenFile(path);
+        const int index = Pool().ActiveIndex();
+        Edit(index)->setFocus();
+        QTest::keyClicks(Edit(index), QStringLiteral("DROP "));
+        QTest::keyClick(Edit(index), Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(ReadAll(path), QByteArray("DROP 1 2 +\r\n"));
+        QVERIFY(!Pool().FState(index).Dirty);
+    }
+
+    void undoTakesAnEditBack()
+    {
+        const int index = NewWithText(QStringLiteral("    DUP"));
+        Window(index)->Select(7, 0);
+        QTest::keyClick(Edit(index), Qt::Key_Return);
+        QCOMPARE(Pool().Text(index), QStringLiteral("    DUP\r\n    "));
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEUndo"))->trigger();
+        QCOMPARE(Pool().Text(index), QStringLiteral("    DUP"));
+    }
+
+    void tabToTerminalAndShiftTabToNextEditor()
+    {
+        m_context->settings.tabSpaces = QStringLiteral("0");
+        const int a = NewWithText(QStringLiteral("A"));
+        const int b = NewWithText(QStringLiteral("B"));
+        QSignalSpy terminal(&Pool(), &EditorPool::TerminalFocusRequested);
+        QTest::keyClick(Edit(a), Qt::Key_Tab);
+        QCOMPARE(terminal.count(), 1);
+        QCOMPARE(Pool().Text(a), QStringLiteral("A"));
+        QTest::keyClick(Edit(b), Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(Pool().ActiveIndex(), a); // wraps from the last slot to the first
+        QTest::keyClick(Edit(a), Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(Pool().ActiveIndex(), b);
+    }
+
+    void tabMenuChecksEveryWindow()
+    {
+        const int a = NewWithText(QString());
+        const int b = NewWithText(QString());
+        Window(a)->findChild<QAction *>(QStringLiteral("mnuO3"))->trigger();
+        QCOMPARE(m_context->settings.tabSpaces, QStringLiteral("3"));
+        QVERIFY(Window(b)->findChild<QAction *>(QStringLiteral("mnuO3"))->isChecked());
+        QVERIFY(!Window(b)->findChild<QAction *>(QStringLiteral("mnuOTInt"))->isChecked());
+    }
+
+    void invertCaseKeepsTheSelection()
+    {
+        const int index = NewWithText(QStringLiteral("abc Dup\r\nx"));
+        Window(index)->Select(4, 6);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEInvert"))->trigger();
+        QCOMPARE(Pool().Text(index), QStringLiteral("abc dUP\r\nX"));
+        QCOMPARE(Pool().SelStart(index), 4);
+        QCOMPARE(Pool().SelLength(index), 6);
+    }
+
+    void pasteTooLongIsRefused()
+    {
+        const int index = NewWithText(QString(65000, QLatin1Char('A')));
+        QApplication::clipboard()->setText(QString(600, QLatin1Char('B')));
+        Window(index)->Select(10, 0);
+        Edit(index)->paste();
+        QCOMPARE(m_prompts->MessageTexts(),
+                 QStringList{QStringLiteral("The source text in this window is too long for this operation")});
+        QCOMPARE(Pool().Text(index).size(), 65000);
+        QApplication::clipboard()->setText(QStringLiteral("X\nY"));
+        Edit(index)->paste();
+        QCOMPARE(Pool().Text(index).mid(10, 4), QStringLiteral("X\r\nY"));
+    }
+
+    void everyByteSurvivesTheRealWindow()
+    {
+        QByteArray original;
+        for (int b = 32; b <= 255; ++b) {
+            original += static_cast<char>(b);
+            if (b % 50 == 0)
+                original += "  \r\n";
+        }
+        original += "\r\n";
+        QByteArray expected = original;
+        expected.replace("  \r\n", "\r\n");
+        const QString path = m_dir.filePath(QStringLiteral("ALL.TXT"));
+        WriteAll(path, original);
+        Pool().OpenFile(path);
+        const int index = Pool().ActiveIndex();
+        QVERIFY(Pool().Save(index));
+        QCOMPARE(ReadAll(path), expected);
+        QVERIFY(!Pool().FState(index).Dirty);
+    }
+
+    void findDialog()
+    {
+        const int index = NewWithText(QStringLiteral("one two one"));
+        Pool().GotFocus(index);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEFind"))->trigger();
+        auto *find = m_frame->findChild<QDialog *>(QStringLiteral("frmFind"));
+        QVERIFY(find);
+        auto *text = find->findChild<QLineEdit *>(QStringLiteral("Text1"));
+        auto *button = find->findChild<QPushButton *>(QStringLiteral("cmdFind"));
+        QVERIFY(!button->isEnabled());
+        text->setText(QStringLiteral("TWO"));
+        QVERIFY(button->isEnabled());
+        button->click();
+        QCOMPARE(Pool().SelStart(index), 4);
+        QCOMPARE(Pool().SelLength(index), 3);
+
+        // Cancel keeps what was typed for Find next.
+        Window(index)->Select(0, 0);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEFind"))->trigger();
+        QTRY_VERIFY(m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).size() == 1);
+        find = m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).last();
+        QCOMPARE(find->findChild<QLineEdit *>(QStringLiteral("Text1"))->text(), QStringLiteral("TWO"));
+        find->findChild<QLineEdit *>(QStringLiteral("Text1"))->setText(QStringLiteral("one"));
+        find->findChild<QPushButton *>(QStringLiteral("cmdCancel"))->click();
+        QCOMPARE(Pool().Find().gFindString, QStringLiteral("one"));
+        Window(index)->Select(5, 0);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEFindnext"))->trigger();
+        QCOMPARE(Pool().SelStart(index), 8);
+    }
+
+    void recentFilesReachFrameAndWindows()
+    {
+        const QString path = m_dir.filePath(QStringLiteral("R.KVR"));
+        WriteAll(path, "X\r\n");
+        Pool().OpenFile(path);
+        const QString logical = LogicalName(path);
+        auto *frameItem = m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
+        QCOMPARE(frameItem->data().toString(), logical);
+        QVERIFY(frameItem->isVisible());
+        QVERIFY(m_frame->menuBar()->findChild<QAction *>(QStringLiteral("mnuRecentFile(0)"))->isVisible());
+        auto *windowItem = Window(Pool().ActiveIndex())->findChild<QAction *>(QStringLiteral("mnuRecentFile(1)"));
+        QCOMPARE(windowItem->data().toString(), logical);
+
+        // Closing and reopening from the frame's list.
+        QVERIFY(Window(Pool().ActiveIndex())->Close());
+        QTRY_VERIFY(Pool().OpenIndexes().isEmpty());
+        frameItem->trigger();
+        QCOMPARE(Pool().OpenIndexes().size(), 1);
+        QCOMPARE(Pool().Caption(Pool().ActiveIndex()), logical);
+    }
+
+    void closeCancelledKeepsTheWindow()
+    {
+        const int index = NewWithText(QString());
+        QTest::keyClicks(Edit(index), QStringLiteral("X"));
+        m_prompts->answers.enqueue(PromptAnswer::Cancel);
+        QVERIFY(!Pool().CloseAll());
+        QCOMPARE(Pool().OpenIndexes(), QList<int>{index});
+        QVERIFY(Window(index)->isVisible());
+    }
+
+    void proportionalFontWarning()
+    {
+        const int index = NewWithText(QStringLiteral("X"));
+        const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+        QFont proportional(QStringLiteral("DejaVu Sans"));
+        const QFontMetrics metrics(proportional);
+        if (metrics.horizontalAdvance(QLatin1Char('i')) == metrics.horizontalAdvance(QLatin1Char('M')))
+            QSKIP("no proportional font installed");
+        m_prompts->fonts.enqueue(fixed);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
+        QVERIFY(m_prompts->MessageTexts().isEmpty());
+        QCOMPARE(Edit(index)->font().family(), fixed.family());
+        m_prompts->fonts.enqueue(proportional);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
+        QCOMPARE(m_prompts->MessageTexts(),
+                 QStringList{QStringLiteral("The font '") + proportional.family()
+                             + QStringLiteral("' is proportional so maximum line lengths will be "
+                                              "different depending on content. Monospaced fonts "
+                                              "are usually preferable for source code.")});
+    }
+
+    void guideAndStatus()
+    {
+        const int index = NewWithText(QStringLiteral("AB\r\nCDE"));
+        Window(index)->Select(6, 0);
+        auto *status = Window(index)->findChild<QLabel *>(QStringLiteral("lblStatus"));
+        QVERIFY(status);
+        QCOMPARE(status->text(), QStringLiteral("Line 2, Col 3"));
+    }
+};
+
+QTEST_MAIN(TestEditorWindow)
+#include "tst_editorwindow.moc"

@@ -1,0 +1,249 @@
+#include "LinkFixture.h"
+#include "TempDir.h"
+#include "link/Terminal.h"
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace kvr;
+
+class TestTerminal : public QObject {
+    Q_OBJECT
+
+private slots:
+    void keysSentAsTyped_data()
+    {
+        QTest::addColumn<QString>("capsLock");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QByteArray>("sent");
+        QTest::newRow("tab is never sent") << "OFF" << "a\tb" << QByteArray("ab");
+        QTest::newRow("caps lock off keeps case") << "OFF" << "Dup" << QByteArray("Dup");
+        QTest::newRow("caps lock on sends capitals") << "ON" << "dup 2" << QByteArray("DUP 2");
+        QTest::newRow("control characters pass") << "ON" << QString::fromLatin1("\x03\r\x08") << QByteArray("\x03\r\x08");
+    }
+    void keysSentAsTyped()
+    {
+        QFETCH(QString, capsLock);
+        QFETCH(QString, typed);
+        QFETCH(QByteArray, sent);
+        test::LinkFixture f;
+        f.context.settings.capsLock = capsLock;
+        Terminal terminal(f.context, f.link);
+        terminal.KeyTyped(typed);
+        QCOMPARE(f.board.sent, sent);
+        // One SendText per key, nothing painted locally.
+        QCOMPARE(f.board.writes.size(), sent.size());
+        QCOMPARE(terminal.Screen().ScreenText(), QString());
+    }
+
+    void capsLockToggleIsSaved()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QSignalSpy written(&f.context, &AppContext::SettingsWritten);
+        QVERIFY(terminal.CapsLockOn());
+        terminal.ToggleCapsLock();
+        QCOMPARE(f.context.settings.capsLock, QStringLiteral("OFF"));
+        terminal.ToggleCapsLock();
+        QCOMPARE(f.context.settings.capsLock, QStringLiteral("ON"));
+        QCOMPARE(written.size(), 2);
+    }
+
+    void f2HaltsAndInterrupts()
+    {
+        test::LinkFixture f;
+        f.AnswerOk();
+        Terminal terminal(f.context, f.link);
+        QVERIFY(terminal.KeyDown(Qt::Key_F2, false));
+        QCOMPARE(f.context.compileOutcome, CompileOutcome::HaltRequested);
+        QCOMPARE(f.board.writes, (QList<QByteArray>{QByteArray("\x03\x11\x1b ;"), "\r", "\r"}));
+        QCOMPARE(f.prompts.MessageTexts(), QStringList());
+    }
+
+    void interruptUnansweredSaysNotResponding()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        terminal.SendInterrupt();
+        QCOMPARE(f.prompts.MessageTexts().size(), 2);
+        QVERIFY(f.prompts.MessageTexts().first().startsWith(QStringLiteral("KVR4410ANS NOT RESPONDING.")));
+    }
+
+    void otherKeys()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QSignalSpy help(&terminal, &Terminal::HelpRequested);
+        QSignalSpy focus(&terminal, &Terminal::FocusEditorRequested);
+        QVERIFY(terminal.KeyDown(Qt::Key_F1, false));
+        QVERIFY(terminal.KeyDown(Qt::Key_Tab, false));
+        QVERIFY(terminal.KeyDown(Qt::Key_Tab, true));
+        QVERIFY(!terminal.KeyDown(Qt::Key_A, false));
+        QCOMPARE(help.size(), 1);
+        QCOMPARE(focus.size(), 1);
+        QVERIFY(f.board.writes.isEmpty());
+    }
+
+    void zapSendsCold()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        terminal.Zap();
+        QCOMPARE(f.board.lines, QList<QByteArray>{"COLD"});
+    }
+
+    void showReceivedPaintsAndBeeps()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QSignalSpy changed(&terminal, &Terminal::ScreenChanged);
+        f.board.Inject("2 3 + . 5  ok\r\n\x07");
+        terminal.ShowReceived();
+        QCOMPARE(terminal.Screen().Text(0), QStringLiteral("2 3 + . 5  ok"));
+        QCOMPARE(f.prompts.beeps, 1);
+        QVERIFY(!changed.isEmpty());
+        f.context.settings.quiet = QStringLiteral("ON");
+        f.board.Inject("\x07");
+        terminal.ShowReceived();
+        QCOMPARE(f.prompts.beeps, 1);
+    }
+
+    void timerOffLeavesBytesToTheOtherReader()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QSignalSpy timer(&terminal, &Terminal::InputTimerChanged);
+        terminal.SetInputTimerEnabled(false);
+        QCOMPARE(timer.size(), 1);
+        f.board.Inject("reply\r\n");
+        terminal.Tick();
+        QCOMPARE(terminal.Screen().ScreenText(), QString());
+        QCOMPARE(f.link.ReadBytes(), QByteArray("reply\r\n"));
+    }
+
+    void showReceivedLeavesAnAwaitedReplyAlone()
+    {
+        // The reply arrives and a timer tick runs while WaitForReply waits:
+        // the tick must leave the reply to the waiter.
+        test::LinkFixture f;
+        struct TickingClock : TestClock {
+            std::function<void()> atThirdReading;
+            quint32 TickCount() override
+            {
+                if (readings == 3 && atThirdReading)
+                    atThirdReading();
+                return TestClock::TickCount();
+            }
+        } clock;
+        clock.stepPerReading = 1;
+        AppContext context(Paths(f.dir.path()), f.prompts, clock);
+        context.settings.timeout = QStringLiteral("1000");
+        Link link(context);
+        link.SetTransport(&f.board);
+        Terminal terminal(context, link);
+        clock.atThirdReading = [&] {
+            f.board.Inject("5  ok\r\n");
+            terminal.Tick();
+        };
+        link.WaitForReply();
+        QVERIFY(clock.readings > 3);
+        QCOMPARE(f.prompts.MessageTexts(), QStringList());
+        QCOMPARE(terminal.Screen().ScreenText(), QString());
+    }
+
+    void cursorBlinksEverySixthTick()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QSignalSpy blinked(&terminal, &Terminal::CursorBlinked);
+        for (int i = 0; i < 5; ++i)
+            terminal.Tick();
+        QCOMPARE(blinked.size(), 0);
+        terminal.Tick();
+        QCOMPARE(blinked.size(), 1);
+        QVERIFY(terminal.CursorShown());
+        for (int i = 0; i < 6; ++i)
+            terminal.Tick();
+        QVERIFY(!terminal.CursorShown());
+    }
+
+    void serialErrorIndicatorCountsDown()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        terminal.ShowSerialError();
+        for (int i = 1; i < Terminal::SerialErrorTicks; ++i)
+            terminal.Tick();
+        QVERIFY(terminal.SerialErrorShown());
+        terminal.Tick();
+        QVERIFY(!terminal.SerialErrorShown());
+    }
+
+    void captureRoundTrip_data()
+    {
+        QTest::addColumn<PromptAnswer>("display");
+        QTest::newRow("display it") << PromptAnswer::Yes;
+        QTest::newRow("don't display") << PromptAnswer::No;
+    }
+    void captureRoundTrip()
+    {
+        QFETCH(PromptAnswer, display);
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QSignalSpy open(&terminal, &Terminal::OpenInEditor);
+        const QString path = f.dir.filePath(QStringLiteral("RUN.CAP"));
+        test::WriteAll(path, "earlier\r\n");
+        f.prompts.fileNames.enqueue(path);
+        terminal.ToggleCapture();
+        QVERIFY(terminal.IsCapturing());
+        QCOMPARE(f.prompts.shown.at(0).kind, QStringLiteral("save"));
+        QCOMPARE(f.prompts.shown.at(0).caption, QStringLiteral("Capture to file"));
+        QCOMPARE(f.prompts.shown.at(0).items.first(), QDir::current().filePath(QStringLiteral("TEMP.CAP")));
+        QCOMPARE(f.prompts.MessageTexts(),
+                 QStringList{"Now capturing input and appending it to end of file " + path});
+        QCOMPARE(f.context.settings.captureToDisk, path);
+
+        f.board.Inject(QByteArray("\x0c" "bytes \xff\x07\r\n", 11));
+        terminal.ShowReceived();
+        f.prompts.answers.enqueue(display);
+        terminal.ToggleCapture();
+        QVERIFY(!terminal.IsCapturing());
+        QCOMPARE(f.prompts.shown.last().text,
+                 "Stopped capturing to file " + path + ".\nDo you want to display it?");
+        QCOMPARE(f.prompts.shown.last().buttons, PromptButtons::YesNo);
+        QCOMPARE(test::ReadAll(path), QByteArray("earlier\r\n\x0c" "bytes \xff\x07\r\n", 20));
+        QCOMPARE(open.size(), display == PromptAnswer::Yes ? 1 : 0);
+        if (!open.isEmpty())
+            QCOMPARE(open.first().first().toString(), path);
+    }
+
+    void captureCancelledOrUnopenable()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        terminal.ToggleCapture(); // dialog cancelled
+        QVERIFY(!terminal.IsCapturing());
+        QCOMPARE(f.prompts.MessageTexts(), QStringList());
+        const QString path = f.dir.filePath(QStringLiteral("no/such/folder/X.CAP"));
+        f.prompts.fileNames.enqueue(path);
+        terminal.ToggleCapture();
+        QVERIFY(!terminal.IsCapturing());
+        QCOMPARE(f.prompts.MessageTexts(), QStringList{path + "Can't open file "});
+        QCOMPARE(f.context.settings.captureToDisk, NotUsed);
+    }
+
+    void colorsChosenAndSaved()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QSignalSpy colors(&terminal, &Terminal::ColorsChanged);
+        f.prompts.colors.enqueue(QColor(0, 0, 128));
+        terminal.ChooseBackgroundColor();
+        terminal.ChooseTextColor(); // cancelled
+        QCOMPARE(f.context.settings.Color(ColorWindow::Emulator, false), QColor(0, 0, 128));
+        QCOMPARE(f.context.settings.Color(ColorWindow::Emulator, true), QColor(255, 255, 255));
+        QCOMPARE(colors.size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestTerminal)
+#include "tst_terminal.moc"
