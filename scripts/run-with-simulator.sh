@@ -8,6 +8,11 @@
 set -euo pipefail
 
 build=${1:-build}
+if [ ! -d "$build" ]; then
+    echo "run-with-simulator: no build folder $build; run 'make build' first" >&2
+    exit 1
+fi
+build=$(cd "$build" && pwd)   # kvr-pc changes its folder to the source file's
 bin="$build/bin"
 source_dir=$(cd "$(dirname "$0")/.." && pwd)
 type=${KVR_BOARD_TYPE:-4410ANS}
