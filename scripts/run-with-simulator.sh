@@ -26,6 +26,7 @@ fi
 
 # The examples are copied once, so edits and backups stay out of the sources.
 mkdir -p "$settings" "$work"
+settings=$(cd "$settings" && pwd)
 for example in "$source_dir"/examples/*.KVR; do
     [ -e "$work/$(basename "$example")" ] || cp "$example" "$work/"
 done
