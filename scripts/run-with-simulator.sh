@@ -64,7 +64,7 @@ if [ -x "$bin/kvr-pc" ]; then
     "$bin/kvr-pc" --settings-dir "$settings" --simulator "$address" "$work/HELLO.KVR"
 else
     echo "kvr-pc is not built yet. Talk to the board with, for example:"
-    echo "    nc ${address%:*} ${address#*:}      (end each line with Ctrl-M / Enter)"
+    echo "    nc ${address%:*} ${address#*:}"
     echo "Press Ctrl-C to stop the board."
     wait "$board_pid"
 fi
