@@ -15,7 +15,7 @@ public:
                                  const QString &defaultText) override;
     QString OpenFileName(const QString &, const QString &, const QString &) override { return {}; }
     QString SaveFileName(const QString &, const QString &, const QString &) override { return {}; }
-    std::optional<QColor> Color(const QColor &) override { return std::nullopt; }
+    std::optional<QColor> Color(const QColor &, const QString & = QString()) override { return std::nullopt; }
     std::optional<QFont> Font(const QFont &) override { return std::nullopt; }
     std::optional<QString> Choose(const QString &prompt, const QString &caption,
                                   const QStringList &items, int current) override;

@@ -34,7 +34,8 @@ public:
                                  const QString &folder) = 0;
     virtual QString SaveFileName(const QString &caption, const QString &filter,
                                  const QString &suggestedPath) = 0;
-    virtual std::optional<QColor> Color(const QColor &current) = 0;
+    // `caption` empty: the dialog's own title.
+    virtual std::optional<QColor> Color(const QColor &current, const QString &caption = QString()) = 0;
     virtual std::optional<QFont> Font(const QFont &current) = 0;
     // Picks one of `items`; nullopt when cancelled.
     virtual std::optional<QString> Choose(const QString &prompt, const QString &caption,

@@ -33,9 +33,9 @@ QString ScriptedPrompts::SaveFileName(const QString &caption, const QString &fil
     return fileNames.isEmpty() ? QString() : fileNames.dequeue();
 }
 
-std::optional<QColor> ScriptedPrompts::Color(const QColor &current)
+std::optional<QColor> ScriptedPrompts::Color(const QColor &current, const QString &caption)
 {
-    shown.append({QStringLiteral("color"), {}, current.name(), PromptIcon::None,
+    shown.append({QStringLiteral("color"), caption, current.name(), PromptIcon::None,
                   PromptButtons::OkCancel, {}});
     return colors.isEmpty() ? std::nullopt : colors.dequeue();
 }

@@ -26,7 +26,7 @@ public:
                          const QString &folder) override;
     QString SaveFileName(const QString &caption, const QString &filter,
                          const QString &suggestedPath) override;
-    std::optional<QColor> Color(const QColor &current) override;
+    std::optional<QColor> Color(const QColor &current, const QString &caption = QString()) override;
     std::optional<QFont> Font(const QFont &current) override;
     std::optional<QString> Choose(const QString &prompt, const QString &caption,
                                   const QStringList &items, int current) override;

@@ -103,6 +103,7 @@ void CompileDriver::CompileFile(const QString &path)
     m_state.topLevelFolder = split.folder;
     QDir::setCurrent(ResolvePath(split.folder));
 
+    m_state.files.CloseAll(); // whatever an interrupted earlier run left open
     m_state.topLevelFile = path;
     m_state.includeStack[0] = IncludeEntry{0, 0, path, 0};
     m_state.suspendedCount = 0;

@@ -6,6 +6,7 @@
 #include "compiler/SourceText.h"
 #include "link/Link.h"
 #include "link/TerminalHost.h"
+#include <QThread>
 
 namespace kvr {
 
@@ -197,6 +198,8 @@ void LineEngine::BoardLine(QString line)
         // and let the halt test end the run.
         if (m_context.compileOutcome == CompileOutcome::HaltRequested)
             return;
+        // Nothing yet: let the board's side (often on this machine) run.
+        QThread::yieldCurrentThread();
     }
 
     if (!complete) {

@@ -20,6 +20,7 @@ private slots:
     void IncludeOnceAndNesting();
     void HundredAndFirstIncludeIgnored();
     void IncludeNotFound();
+    void IncludeWithBackslashFolder();
     void PcLinesInsideSkippedBranch();
     void ConditionalBlockSpansFiles();
     void QuickCompileCompactsLines();
@@ -258,6 +259,17 @@ void TestLineEngine::IncludeNotFound()
     g.driver->CompileFile(gone);
     QCOMPARE(g.report->Lines(), QStringList{"HALTED COMPILE, FILE NOT FOUND: " + ShortenPath(gone)});
     QVERIFY(g.transport.lines.isEmpty());
+}
+
+void TestLineEngine::IncludeWithBackslashFolder()
+{
+    CompileFixture f;
+    const QString main = f.Write("src/MAIN.KVR", {"INCLUDE ..\\common\\io \\ shared", "1 DROP"});
+    f.Write("common/Io.kvr", {"IO LINE"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{"IO LINE", "1 DROP"}));
+    QCOMPARE(f.report->Lines().first(), f.Prefix(main, 1) + ": FILE ..\\COMMON\\IO.KVR INCLUDED");
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
 }
 
 void TestLineEngine::PcLinesInsideSkippedBranch()

@@ -108,9 +108,9 @@ QString QtPrompts::SaveFileName(const QString &caption, const QString &filter,
                                         QFileDialog::DontConfirmOverwrite);
 }
 
-std::optional<QColor> QtPrompts::Color(const QColor &current)
+std::optional<QColor> QtPrompts::Color(const QColor &current, const QString &caption)
 {
-    const QColor chosen = QColorDialog::getColor(current, m_parent);
+    const QColor chosen = QColorDialog::getColor(current, m_parent, caption);
     if (!chosen.isValid())
         return std::nullopt;
     return chosen;
