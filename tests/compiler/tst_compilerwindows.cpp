@@ -92,11 +92,16 @@ void TestCompilerWindows::ColorsFromSettingsAndDialogs()
     QCOMPARE(list->palette().color(QPalette::Text), w.f.context->settings.Color(ColorWindow::StatusBox, true));
 
     QSignalSpy written(w.f.context.get(), &AppContext::SettingsWritten);
+    const QColor before = list->palette().color(QPalette::Base);
     w.f.prompts.colors.enqueue(QColor(10, 20, 30));
     w.compiler->StatusWindow()->findChild<QAction *>("staOCBackground")->trigger();
     QCOMPARE(list->palette().color(QPalette::Base), QColor(10, 20, 30));
     QCOMPARE(w.f.context->settings.Color(ColorWindow::StatusBox, false), QColor(10, 20, 30));
     QCOMPARE(written.count(), 1);
+    // Each dialog is titled and starts from the colour it changes.
+    QCOMPARE(w.f.prompts.shown.last().kind, QStringLiteral("color"));
+    QCOMPARE(w.f.prompts.shown.last().caption, QStringLiteral("Report background color"));
+    QCOMPARE(w.f.prompts.shown.last().text, before.name());
 
     w.f.prompts.colors.enqueue(std::nullopt); // cancelled: nothing changes
     w.compiler->StatusWindow()->findChild<QAction *>("staOCText")->trigger();
@@ -104,6 +109,7 @@ void TestCompilerWindows::ColorsFromSettingsAndDialogs()
     w.f.prompts.colors.enqueue(QColor(200, 100, 50));
     w.compiler->StatusWindow()->findChild<QAction *>("staOCText")->trigger();
     QCOMPARE(list->palette().color(QPalette::Text), QColor(200, 100, 50));
+    QCOMPARE(w.f.prompts.shown.last().caption, QStringLiteral("Report foreground color"));
     QCOMPARE(w.f.context->settings.Color(ColorWindow::StatusBox, true), QColor(200, 100, 50));
 }
 
