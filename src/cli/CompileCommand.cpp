@@ -241,11 +241,11 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     const QString path = QFileInfo(options.file).absoluteFilePath().toUpper();
 
     std::unique_ptr<Transport> transport;
-    const int connectLimit = std::max(1000, static_cast<int>(Val(settings.timeout)));
+    const int connectLimit = static_cast<int>(std::clamp(Val(settings.timeout), 1000.0, 600000.0));
     if (settings.IsTcpMode()) {
         auto tcp = std::make_unique<TcpTransport>();
         QString error;
-        const quint16 port = static_cast<quint16>(Val(settings.remotePort));
+        const quint16 port = static_cast<quint16>(std::clamp(Val(settings.remotePort), 0.0, 65535.0));
         if (!ConnectTcp(*tcp, settings.remoteIp, port, connectLimit, error)) {
             std::fprintf(stderr, "kvr compile: cannot connect to %s:%u: %s\n", qPrintable(settings.remoteIp),
                          port, qPrintable(error));
@@ -258,7 +258,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     } else {
         auto serial = std::make_unique<SerialTransport>();
         const QString device = settings.SerialDevice(settings.commPort);
-        if (device.isEmpty() || !serial->Open(device, static_cast<qint32>(Val(settings.baudRate)))) {
+        if (device.isEmpty() || !serial->Open(device, static_cast<qint32>(std::clamp(Val(settings.baudRate), 0.0, 4000000.0)))) {
             std::fprintf(stderr, "kvr compile: cannot open %s (%s): %s\n", qPrintable(settings.commPort),
                          qPrintable(device.isEmpty() ? QStringLiteral("no device bound") : device),
                          qPrintable(serial->ErrorText()));
