@@ -439,6 +439,11 @@ void TestLineEngine::AwkwardIncludes_data()
     QTest::newRow("INCLUDE of a bare dot")
         << QStringList{"INCLUDE .", "2 DROP"} << QStringList{}
         << QStringList{"1: FILE . INCLUDED", "HALTED COMPILE, FILE NOT FOUND: ."} << int(RunEnd::FileNotFound);
+    const QString control = QStringLiteral("A") + QChar(0) + QChar(1) + QStringLiteral("B");
+    QTest::newRow("INCLUDE of a name with NUL and control bytes")
+        << QStringList{"INCLUDE " + control, "2 DROP"} << QStringList{}
+        << QStringList{"1: FILE " + control + ".KVR INCLUDED", "HALTED COMPILE, FILE NOT FOUND: " + control + ".KVR"}
+        << int(RunEnd::FileNotFound);
     // The file includes itself: its copy is read once more (the second
     // INCLUDE is already compiled) and, having the top-level name, its end
     // ends the run.
@@ -454,6 +459,7 @@ void TestLineEngine::AwkwardIncludes()
     QFETCH(QStringList, sent);
     QFETCH(QStringList, reportTails);
     QFETCH(int, runEnd);
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
     CompileFixture f;
     QVERIFY(QDir(f.dir.path()).mkpath("SUB.KVR"));
     const QString main = f.Write("MAIN.KVR", source);
