@@ -21,6 +21,7 @@ private slots:
     void HundredAndFirstIncludeIgnored();
     void IncludeNotFound();
     void IncludeWithBackslashFolder();
+    void TopLevelWithoutFolder();
     void PcLinesInsideSkippedBranch();
     void ConditionalBlockSpansFiles();
     void QuickCompileCompactsLines();
@@ -274,6 +275,23 @@ void TestLineEngine::IncludeWithBackslashFolder()
     f.driver->CompileFile(main);
     QCOMPARE(f.Sent(), (QStringList{"IO LINE", "1 DROP"}));
     QCOMPARE(f.report->Lines().first(), f.Prefix(main, 1) + ": FILE ..\\COMMON\\IO.KVR INCLUDED");
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+}
+
+void TestLineEngine::TopLevelWithoutFolder()
+{
+    // A bare name is sought in the current folder first; found there it
+    // carries "./" yet its end still ends the run.
+    CompileFixture f;
+    f.Write("MAIN.KVR", {"INCLUDE LIB", "1 DROP"});
+    f.Write("LIB.KVR", {"L"});
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(f.dir.path()));
+    f.driver->CompileFile(QStringLiteral("MAIN.KVR"));
+    QDir::setCurrent(before);
+    QCOMPARE(f.Sent(), (QStringList{"L", "1 DROP"}));
+    QCOMPARE(f.report->Lines(), (QStringList{"./MAIN.KVR - line 1: FILE LIB.KVR INCLUDED",
+                                             "./MAIN.KVR - FINISHED at 1A2B"}));
     QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
 }
 
