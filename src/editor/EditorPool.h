@@ -129,6 +129,9 @@ private:
     QFont m_font;
 };
 
+// The box for a text that the window cannot take (paste, insert, restore).
+QString TooLongForOperation();
+
 // The logical name of a file: absolute, clean and upper-cased.
 QString LogicalName(const QString &name);
 

@@ -8,6 +8,11 @@
 
 namespace kvr {
 
+QString TooLongForOperation()
+{
+    return QStringLiteral("The source text in this window is too long for this operation");
+}
+
 void EditorPool::Backup(int index)
 {
     EditorView *view = Document(index);
@@ -110,12 +115,18 @@ void EditorPool::RestoreChosen(int index, const QString &entry)
                                   PromptIcon::Exclamation);
         return;
     }
-    // Taken as it stands: no line checks, no trimming.
+    // Taken as it stands: no line checks, no trimming; but the window can
+    // hold no more than any text box of ours.
+    const QString restored = ToCrLf(read.content);
+    if (restored.size() > MaxTextLength) {
+        m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
+        return;
+    }
     EditAction action;
     action.changesText = true;
     action.start = 0;
     action.removed = static_cast<int>(view->Text().size());
-    action.inserted = ToCrLf(read.content);
+    action.inserted = restored;
     view->Apply(action);
     m_fstate[index].Dirty = true;
 }
@@ -175,7 +186,13 @@ void EditorPool::InsertFile(int index)
         QStringLiteral("Insert file"), QtFilter(InsertFileFilter), QString());
     if (name.isEmpty())
         return;
-    const ReadResult read = ReadSourceFile(name);
+    // Line ends never shrink on the way in: a file of more bytes than a
+    // window holds cannot fit and is not read at all.
+    const ReadResult read = ReadSourceFile(name, MaxTextLength);
+    if (read.tooLarge) {
+        m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
+        return;
+    }
     if (!read.ok) {
         m_context.prompts.Message(QStringLiteral("Can't open file: ") + name,
                                   PromptIcon::Information);
@@ -183,9 +200,7 @@ void EditorPool::InsertFile(int index)
     }
     const QString inserted = ToCrLf(read.content);
     if (view->Text().size() - view->SelLength() + inserted.size() > MaxTextLength) {
-        m_context.prompts.Message(
-            QStringLiteral("The source text in this window is too long for this operation"),
-            PromptIcon::Information);
+        m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
         return;
     }
     EditAction action;
@@ -242,7 +257,9 @@ QColor EditorPool::EditorColor(bool foreground) const
 
 void EditorPool::ChooseEditorColor(bool foreground)
 {
-    const std::optional<QColor> chosen = m_context.prompts.Color(EditorColor(foreground));
+    const std::optional<QColor> chosen = m_context.prompts.Color(
+        EditorColor(foreground), foreground ? QStringLiteral("Source code foreground color")
+                                            : QStringLiteral("Source code background color"));
     if (!chosen)
         return;
     m_context.settings.SetColor(ColorWindow::Editor, foreground, *chosen);

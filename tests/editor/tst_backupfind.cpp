@@ -181,22 +181,36 @@ private slots:
     void restoreOverwrites_data()
     {
         QTest::addColumn<int>("answer");
+        QTest::addColumn<QByteArray>("backup");
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("dirty");
-        QTest::newRow("Yes: taken as it stands") << int(PromptAnswer::Yes) << "BACKUP 2  \r\nX\r\n" << true;
-        QTest::newRow("No: untouched") << int(PromptAnswer::No) << "PUMP TEXT\r\n" << false;
+        QTest::addColumn<QString>("refusal");
+        // No trimming and no line checks on a restore.
+        const QByteArray backup("BACKUP 2  \nX\r\n");
+        QTest::newRow("Yes: taken as it stands")
+            << int(PromptAnswer::Yes) << backup << "BACKUP 2  \r\nX\r\n" << true << QString();
+        QTest::newRow("No: untouched")
+            << int(PromptAnswer::No) << backup << "PUMP TEXT\r\n" << false << QString();
+        QTest::newRow("Yes: more than a window holds is refused")
+            << int(PromptAnswer::Yes) << QByteArray(70000, 'A') << "PUMP TEXT\r\n" << false
+            << "The source text in this window is too long for this operation";
     }
     void restoreOverwrites()
     {
         QFETCH(int, answer);
+        QFETCH(QByteArray, backup);
+        QFETCH(QString, refusal);
         const int index = LoadPump({1});
-        // No trimming and no line checks on a restore.
-        WriteAll(f->File(QStringLiteral("PUMP.002.KVR")), "BACKUP 2  \nX\r\n");
+        WriteAll(f->File(QStringLiteral("PUMP.002.KVR")), backup);
         f->pool->Restore(index);
         f->prompts.answers.enqueue(static_cast<PromptAnswer>(answer));
         f->pool->RestoreChosen(index, QStringLiteral("PUMP.002.KVR"));
-        QCOMPARE(f->prompts.shown.last().text,
+        QCOMPARE(f->prompts.shown[0].text,
                  QStringLiteral("Do you really want to overwrite displayed source code?"));
+        QCOMPARE(f->prompts.shown[0].buttons, PromptButtons::YesNo);
+        QCOMPARE(f->prompts.MessageTexts().size(), refusal.isEmpty() ? 1 : 2);
+        if (!refusal.isEmpty())
+            QCOMPARE(f->prompts.MessageTexts().last(), refusal);
         QVERIFY(!f->View(index)->backupsShown);
         QTEST(f->pool->Text(index), "text");
         QTEST(f->pool->FState(index).Dirty, "dirty");

@@ -69,9 +69,7 @@ frmNotePad::frmNotePad(EditorPool &pool, int index, QWidget *parent)
     connect(m_text, &SourceEdit::Edited, this, [this] { m_pool.TextChanged(m_index); });
     connect(m_text, &SourceEdit::LineTooLong, this, [this] { m_pool.LineTooLong(); });
     connect(m_text, &SourceEdit::PasteTooLong, this, [this] {
-        m_pool.Context().prompts.Message(
-            QStringLiteral("The source text in this window is too long for this operation"),
-            PromptIcon::Information);
+        m_pool.Context().prompts.Message(TooLongForOperation(), PromptIcon::Information);
     });
     connect(m_text, &SourceEdit::TabToTerminal, &m_pool, &EditorPool::TabPressedWithoutSpaces);
     connect(m_text, &SourceEdit::NextEditor, this, [this] { m_pool.ActivateNext(m_index); });
