@@ -120,6 +120,23 @@ private slots:
         QTRY_COMPARE(m_prompts->MessageTexts().size(), 2);
     }
 
+    // Delete before a line end joins two lines: the joined line is measured
+    // again, so a character typed into it past column 80 is still caught.
+    void deleteJoiningLinesIsMeasuredAgain()
+    {
+        const int index = NewWithText(QString(50, QLatin1Char('A')) + QStringLiteral("\r\n")
+                                      + QString(50, QLatin1Char('B')));
+        Window(index)->Select(50, 0);
+        QTest::keyClicks(Edit(index), QStringLiteral("X"));
+        QTest::keyClick(Edit(index), Qt::Key_Delete);
+        QCOMPARE(Pool().Text(index).size(), 101);
+        QTRY_COMPARE(m_prompts->MessageTexts().size(), 1);
+        QTest::keyClicks(Edit(index), QStringLiteral("Y"));
+        QTRY_COMPARE(m_prompts->MessageTexts().size(), 2);
+        QCOMPARE(m_prompts->MessageTexts().last(),
+                 QStringLiteral("Line too long. Shorten to 80 characters maximum."));
+    }
+
     void quietSettingSilencesTheBeep()
     {
         m_context->settings.quiet = QStringLiteral("ON");
@@ -137,27 +154,30 @@ private slots:
         QTest::addColumn<int>("key");
         QTest::addColumn<QString>("expected");
         QTest::addColumn<int>("caretAfter");
-        QTest::newRow("Tab in column 6") << "ABCDEF" << 6 << int(Qt::Key_Tab) << "ABCDEF  " << 8;
-        QTest::newRow("Tab in column 8") << "ABCDEFGH" << 8 << int(Qt::Key_Tab) << "ABCDEFGH    " << 12;
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("Tab in column 6") << "ABCDEF" << 6 << int(Qt::Key_Tab) << "ABCDEF  " << 8 << 0;
+        QTest::newRow("Tab in column 8") << "ABCDEFGH" << 8 << int(Qt::Key_Tab) << "ABCDEFGH    " << 12 << 0;
         QTest::newRow("Enter at the end repeats the indent")
-            << "    DUP" << 7 << int(Qt::Key_Return) << "    DUP\r\n    " << 13;
-        QTest::newRow("Enter in the middle splits") << "AB CD" << 2 << int(Qt::Key_Return) << "AB\r\n CD" << 4;
+            << "    DUP" << 7 << int(Qt::Key_Return) << "    DUP\r\n    " << 13 << 0;
+        QTest::newRow("Enter in the middle splits") << "AB CD" << 2 << int(Qt::Key_Return) << "AB\r\n CD" << 4 << 0;
         QTest::newRow("Down onto an empty line pads it")
-            << "0123456789AB\r\n\r\nZ" << 10 << int(Qt::Key_Down) << "0123456789AB\r\n          \r\nZ" << 24;
+            << "0123456789AB\r\n\r\nZ" << 10 << int(Qt::Key_Down) << "0123456789AB\r\n          \r\nZ" << 24 << 0;
         QTest::newRow("Delete before a line end takes CR LF") << "AB\r\nCD" << 2 << int(Qt::Key_Delete)
-                                                              << "ABCD" << 2;
-        QTest::newRow("Tab character never enters: control chars swallowed")
-            << "AB" << 1 << int(Qt::Key_Escape) << "AB" << 1;
+                                                              << "ABCD" << 2 << 0;
+        QTest::newRow("Tab character never enters: Alt+Tab swallowed")
+            << "AB" << 1 << int(Qt::Key_Tab) << "AB" << 1 << int(Qt::AltModifier);
     }
     void keys()
     {
         QFETCH(QString, text);
         QFETCH(int, caret);
         QFETCH(int, key);
+        QFETCH(int, modifiers);
         m_context->settings.tabSpaces = QStringLiteral("4");
         const int index = NewWithText(text);
         Window(index)->Select(caret, 0);
-        QTest::keyClick(Edit(index), static_cast<Qt::Key>(key));
+        QTest::keyClick(Edit(index), static_cast<Qt::Key>(key),
+                        Qt::KeyboardModifiers(modifiers));
         QTEST(Pool().Text(index), "expected");
         QTEST(Pool().SelStart(index), "caretAfter");
     }
@@ -282,6 +302,18 @@ private slots:
         Window(index)->Select(5, 0);
         Window(index)->findChild<QAction *>(QStringLiteral("mnuEFindnext"))->trigger();
         QCOMPARE(Pool().SelStart(index), 8);
+
+        // Escape is Cancel too: the typed string and case are kept.
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEFind"))->trigger();
+        QTRY_COMPARE(m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).size(), 1);
+        find = m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).last();
+        text = find->findChild<QLineEdit *>(QStringLiteral("Text1"));
+        text->setText(QStringLiteral("Two"));
+        find->findChild<QCheckBox *>(QStringLiteral("chkCase"))->setChecked(true);
+        QTest::keyClick(text, Qt::Key_Escape);
+        QCOMPARE(Pool().Find().gFindString, QStringLiteral("Two"));
+        QCOMPARE(Pool().Find().gFindCase, 1);
+        QTRY_VERIFY(m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).isEmpty());
     }
 
     void recentFilesReachFrameAndWindows()

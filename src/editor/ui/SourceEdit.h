@@ -52,6 +52,7 @@ private:
     LineTracker m_tracker;
     bool m_loading = false;
     int m_revision = -1;
+    int m_blockCount = 1;
     int m_tabSpaces = 0;
     int m_wantedColumn = 0;
     QColor m_guideColor;
