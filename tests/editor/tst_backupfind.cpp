@@ -86,6 +86,7 @@ private slots:
         f->pool->Backup(index);
         QCOMPARE(f->prompts.shown.size(), 1);
         QCOMPARE(f->prompts.shown[0].kind, QStringLiteral("input"));
+        QCOMPARE(f->prompts.shown[0].caption, AppTitle);
         QCOMPARE(f->prompts.shown[0].text,
                  QStringLiteral("Enter backup file name, the one suggested is the next in sequence."));
         QCOMPARE(f->prompts.shown[0].items, QStringList{proposed});
@@ -218,15 +219,43 @@ private slots:
         QCOMPARE(f->pool->SelStart(index), 0);
     }
 
+    void restoreRefusals_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("message"); // "%1" stands for the caption
+        QTest::addColumn<int>("icon");
+        QTest::newRow("unnamed window")
+            << 0 << "Name the source file with 'Save As' before using 'Restore'" << int(PromptIcon::Information);
+        QTest::newRow("no backups") << 1 << "No backups have been made of %1" << int(PromptIcon::Exclamation);
+        QTest::newRow("scan stopped by an unreadable 001")
+            << 2 << "Error: " << int(PromptIcon::Exclamation);
+    }
     void restoreRefusals()
     {
-        const int unnamed = f->pool->FileNew();
-        f->pool->Restore(unnamed);
-        const int pump = LoadPump({});
-        f->pool->Restore(pump);
-        QCOMPARE(f->prompts.MessageTexts(),
-                 (QStringList{QStringLiteral("No backups have been made of ") + f->pool->Caption(pump)}));
-        QVERIFY(!f->View(pump)->backupsShown);
+        QFETCH(int, kind);
+        QFETCH(QString, message);
+        QFETCH(int, icon);
+        int index = 0;
+        if (kind == 0) {
+            index = f->pool->FileNew();
+        } else {
+            index = LoadPump(kind == 2 ? QList<int>{5} : QList<int>{});
+            if (kind == 2)
+                QVERIFY(QDir().mkpath(f->File(QStringLiteral("PUMP.001.KVR"))));
+        }
+        f->pool->Restore(index);
+        QCOMPARE(f->prompts.shown.size(), 1);
+        const RecordedPrompt &box = f->prompts.shown[0];
+        if (kind == 2) {
+            QVERIFY(box.text.startsWith(message));
+            QVERIFY(box.text.size() > message.size());
+        } else {
+            QCOMPARE(box.text, message.contains(QLatin1String("%1")) ? message.arg(f->pool->Caption(index))
+                                                                       : message);
+        }
+        QCOMPARE(int(box.icon), icon);
+        QCOMPARE(box.caption, AppTitle);
+        QVERIFY(!f->View(index)->backupsShown);
     }
 
     void findSingleOccurrenceWithFindNext()

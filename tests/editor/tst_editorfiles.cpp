@@ -1,6 +1,7 @@
 // The editor pool's windows and files, driven through in-memory windows.
 #include "FakeEditorView.h"
 #include "app/IniFile.h"
+#include "editor/FileFilters.h"
 #include "editor/RecentFiles.h"
 #include "editor/SourceFile.h"
 #include <QtTest>
@@ -364,6 +365,41 @@ private slots:
         QVERIFY(!f->pool->FState(index).Dirty);
         QCOMPARE(f->context->settings.currentFile, f->pool->Caption(index));
         QCOMPARE(ReadRecentFiles(f->context->paths.SettingsFile()).first(), f->pool->Caption(index));
+    }
+
+    // Each file dialog's title and file types; a cancelled one does nothing.
+    void fileDialogs_data()
+    {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QString>("title"); // "%1" stands for the window's caption
+        QTest::addColumn<QString>("filter");
+        QTest::newRow("Open") << 0 << "Source file" << SourceFileFilter;
+        QTest::newRow("Delete") << 1 << "File to delete" << SourceFileFilter;
+        QTest::newRow("Insert file") << 2 << "Insert file" << InsertFileFilter;
+        QTest::newRow("Save As of a named window") << 3 << "Save %1 as" << SourceFileFilter;
+    }
+    void fileDialogs()
+    {
+        QFETCH(int, command);
+        QFETCH(QString, title);
+        QFETCH(QString, filter);
+        const QString path = f->File(QStringLiteral("Named.kvr"));
+        const int index = Load(QStringLiteral("Named.kvr"), "X\r\n");
+        f->prompts.Clear();
+        switch (command) {
+        case 0: f->pool->FileOpenDialog(); break;
+        case 1: f->pool->FileDelete(); break;
+        case 2: f->pool->InsertFile(index); break;
+        default: QVERIFY(!f->pool->SaveAs(index)); break;
+        }
+        QCOMPARE(f->prompts.shown.size(), 1);
+        QCOMPARE(f->prompts.shown[0].caption, title.replace(QLatin1String("%1"), f->pool->Caption(index)));
+        QCOMPARE(f->prompts.shown[0].text, QtFilter(filter));
+        if (command == 3) // pre-set to the file itself
+            QCOMPARE(f->prompts.shown[0].items, QStringList{path});
+        QCOMPARE(f->pool->OpenIndexes(), QList<int>{index});
+        QCOMPARE(f->pool->Text(index), QStringLiteral("X\r\n"));
+        QVERIFY(QFile::exists(path));
     }
 
     void saveAsCancelledChangesNothing()
