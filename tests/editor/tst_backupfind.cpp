@@ -293,6 +293,10 @@ private slots:
             << "X AB AB" << "AB" << 0 << 1 << 0 << QList<int>{1} << QList<int>{2, 5, 2} << 1;
         QTest::newRow("up from the end: later match first")
             << "FOO x FOO y" << "FOO" << 0 << 0 << 11 << QList<int>{0} << QList<int>{6, 0, 0} << 1;
+        QTest::newRow("up: a match just before the caret is passed over")
+            << "X X" << "X" << 0 << 0 << 3 << QList<int>{} << QList<int>{0} << 0;
+        QTest::newRow("up: wrap goes on from the end")
+            << "AB x" << "AB" << 0 << 0 << 0 << QList<int>{1} << QList<int>{0} << 1;
         QTest::newRow("declined wrap keeps the selection")
             << "AB" << "AB" << 0 << 1 << 0 << QList<int>{0} << QList<int>{0, 0} << 1;
         QTest::newRow("empty text asks at once, again after Yes")
