@@ -182,6 +182,17 @@ private slots:
         QTEST(Pool().SelStart(index), "caretAfter");
     }
 
+    // Text composed by an input method keeps to the characters a key may type.
+    void composedTextIsFiltered()
+    {
+        const int index = NewWithText(QStringLiteral("AB"));
+        Window(index)->Select(1, 0);
+        QInputMethodEvent event;
+        event.setCommitString(QString::fromUtf8("\xc3\xa9\xe2\x82\xac\t\xc3\xbf-"));
+        QApplication::sendEvent(Edit(index), &event);
+        QCOMPARE(Pool().Text(index), QString::fromLatin1("A\xe9-B"));
+    }
+
     void shortcutsReachTheWindowMenus()
     {
         const QString path = m_dir.filePath(QStringLiteral("KEYS.KVR"));

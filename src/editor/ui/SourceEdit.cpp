@@ -1,4 +1,5 @@
 #include "editor/ui/SourceEdit.h"
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -210,6 +211,18 @@ void SourceEdit::paintEvent(QPaintEvent *event)
         + fontMetrics().horizontalAdvance(QString(MaxLineLength, QLatin1Char('M')));
     painter.setPen(m_guideColor);
     painter.drawLine(QPointF(x, 0), QPointF(x, viewport()->height()));
+}
+
+void SourceEdit::inputMethodEvent(QInputMethodEvent *event)
+{
+    // Composed text obeys the same rules as typed characters.
+    QString commit = event->commitString();
+    commit.removeIf([](QChar c) { return IsDiscardedChar(c.unicode()) || c.unicode() == 8 || c.unicode() == 13; });
+    if (!commit.isEmpty() && !Fits(SelLength(), static_cast<int>(commit.size())))
+        commit.clear();
+    if (commit != event->commitString())
+        event->setCommitString(commit, event->replacementStart(), event->replacementLength());
+    QPlainTextEdit::inputMethodEvent(event);
 }
 
 void SourceEdit::insertFromMimeData(const QMimeData *source)
