@@ -88,6 +88,8 @@ public:
     QFont EditorFont() const { return m_font; }
     void ChooseEditorFont();
     void SetEditorFont(const QFont &font);
+    void ChooseExternalEditor(); // mnuOExtEditor
+    void StartExternalEditor();  // mnuFExtEditor: the current file in it
 
     // Find (Edit menu and the dialog).
     FindState &Find() { return m_find; }

@@ -3,8 +3,13 @@
 #include "editor/BusyCursor.h"
 #include "editor/EditorPool.h"
 #include "editor/FileFilters.h"
+#include "editor/RecentFiles.h"
+#include "app/FilePaths.h"
 #include "editor/SourceFile.h"
+#include <QFileInfo>
 #include <QFontMetrics>
+#include <QProcess>
+#include <QStandardPaths>
 
 namespace kvr {
 
@@ -291,6 +296,40 @@ void EditorPool::SetEditorFont(const QFont &font)
     m_font = font;
     for (int index : OpenIndexes())
         m_document[index]->RefreshOptions();
+}
+
+void EditorPool::ChooseExternalEditor()
+{
+    // Programs here rarely carry those endings: every file is offered too.
+    const QString name = m_context.prompts.OpenFileName(
+        QStringLiteral("External editor"),
+        QtFilter(QStringLiteral("EXE files (*.exe)|*.exe|COM files (*.com)|*.com|All files (*.*)|*.*")),
+        QFileInfo(m_context.settings.externalEditor).absolutePath());
+    if (name.isEmpty())
+        return;
+    m_context.settings.externalEditor = name;
+    m_context.WriteSettings();
+}
+
+void EditorPool::StartExternalEditor()
+{
+    const QString configured = m_context.settings.externalEditor;
+    // The Windows default names Notepad; the desktop's own editor stands in.
+    const QString program = configured.endsWith(QLatin1String("NOTEPAD.EXE"), Qt::CaseInsensitive)
+        ? QStringLiteral("xdg-open")
+        : configured;
+    const bool found = QFileInfo(program).isAbsolute()
+        ? QFileInfo(program).isFile() && QFileInfo(program).isExecutable()
+        : !QStandardPaths::findExecutable(program).isEmpty();
+    QStringList arguments;
+    const QString file = m_context.settings.currentFile;
+    if (!file.isEmpty() && !IsUnusedEntry(file))
+        arguments << ResolvePath(file);
+    if (!found || !QProcess::startDetached(program, arguments))
+        m_context.prompts.Message(QStringLiteral("Editor program ") + configured
+                                      + QStringLiteral(" not found.\r\n")
+                                      + QStringLiteral("Select using editor window options menu."),
+                                  PromptIcon::Exclamation);
 }
 
 void EditorPool::ShowFind(int index)

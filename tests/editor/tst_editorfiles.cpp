@@ -402,6 +402,37 @@ private slots:
         QVERIFY(QFile::exists(path));
     }
 
+    void externalEditor()
+    {
+        const QString before = f->context->settings.externalEditor;
+        f->pool->ChooseExternalEditor(); // cancelled
+        QCOMPARE(f->context->settings.externalEditor, before);
+        QCOMPARE(f->prompts.shown[0].caption, QStringLiteral("External editor"));
+        QCOMPARE(f->prompts.shown[0].text,
+                 QtFilter(QStringLiteral("EXE files (*.exe)|*.exe|COM files (*.com)|*.com|All files (*.*)|*.*")));
+
+        const QString missing = f->File(QStringLiteral("NOSUCH.EXE"));
+        f->prompts.fileNames.enqueue(missing);
+        f->pool->ChooseExternalEditor();
+        QCOMPARE(f->context->settings.externalEditor, missing);
+        Settings written;
+        ReadSettings(written, f->context->paths.SettingsFile(), f->context->paths.WindowsFolder());
+        QCOMPARE(written.externalEditor, missing);
+        f->prompts.Clear();
+        f->pool->StartExternalEditor();
+        QCOMPARE(f->prompts.MessageTexts(),
+                 QStringList{QStringLiteral("Editor program ") + missing
+                             + QStringLiteral(" not found.\r\nSelect using editor window options menu.")});
+        QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Exclamation);
+
+        const QString present = QStandardPaths::findExecutable(QStringLiteral("true"));
+        QVERIFY(!present.isEmpty());
+        f->context->settings.externalEditor = present;
+        f->prompts.Clear();
+        f->pool->StartExternalEditor();
+        QVERIFY(f->prompts.shown.isEmpty());
+    }
+
     void saveAsCancelledChangesNothing()
     {
         const int index = f->pool->FileNew();

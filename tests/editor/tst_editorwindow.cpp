@@ -89,9 +89,30 @@ private slots:
         QCOMPARE(compile->title(), QStringLiteral("&Compile"));
         QVERIFY(compile->actions().isEmpty());
         QVERIFY(window->findChild<SourceEdit *>(QStringLiteral("Text1")));
-        for (const char *name : {"mnuFSave", "mnuFBackup", "mnuFRestore", "mnuEInvert", "mnuETime",
-                                 "mnuEFind", "mnuEFindnext", "mnuOTInt", "mnuO4", "mnuRecentFile(8)"})
+        for (const char *name :
+             {"mnuFNew", "mnuFOpen", "mnuFSave", "mnuFSaveAs", "mnuFClose", "mnuFDelete", "mnuFExit",
+              "mnuFInsert", "mnuFBackup", "mnuFRestore", "mnuFExtEditor", "mnuECopy", "mnuECut",
+              "mnuEPaste", "mnuEInvert", "mnuEDelete", "mnuESelectAll", "mnuETime", "mnuEFind",
+              "mnuEFindnext", "mnuOCBackground", "mnuOCForeground", "mnuOFont", "mnuOExtEditor",
+              "mnuRecentFile(0)", "mnuRecentFile(8)"})
             QVERIFY2(window->findChild<QAction *>(QString::fromLatin1(name)), name);
+        for (const char *name : {"fraBackups", "lstBackups", "cmdOK", "cmdCancel"})
+            QVERIFY2(window->findChild<QWidget *>(QString::fromLatin1(name)), name);
+        auto *tab = window->findChild<QMenu *>(QStringLiteral("mnuOTab"));
+        QVERIFY(tab);
+        QCOMPARE(tab->title(), QStringLiteral("&Use of TAB"));
+        const QList<QPair<QString, QString>> tabItems{{QStringLiteral("mnuOTInt"), QStringLiteral("&Tab to Interactive")},
+                                                      {QStringLiteral("mnuO2"), QStringLiteral("&2 spaces")},
+                                                      {QStringLiteral("mnuO3"), QStringLiteral("&3 spaces")},
+                                                      {QStringLiteral("mnuO4"), QStringLiteral("&4 spaces")}};
+        for (const auto &[name, caption] : tabItems) {
+            auto *item = tab->findChild<QAction *>(name);
+            if (!item) // actions belong to the window, not to the menu
+                item = window->findChild<QAction *>(name);
+            QVERIFY2(item, qPrintable(name));
+            QCOMPARE(item->text(), caption);
+            QVERIFY(tab->actions().contains(item));
+        }
     }
 
     void f2HaltsTheCompile()

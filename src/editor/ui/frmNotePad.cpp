@@ -112,6 +112,8 @@ void frmNotePad::BuildMenus()
     connect(AddAction(file, QStringLiteral("mnuFClose"), tr("&Close"),
                       QKeySequence(Qt::CTRL | Qt::Key_F4)), &QAction::triggered, this,
             [this] { Close(); });
+    connect(AddAction(file, QStringLiteral("mnuFExtEditor"), tr("&External editor")),
+            &QAction::triggered, &m_pool, &EditorPool::StartExternalEditor);
     file->addSeparator();
     connect(AddAction(file, QStringLiteral("mnuFInsert"), tr("&Insert file...")),
             &QAction::triggered, this, [this] { m_pool.InsertFile(m_index); });
@@ -192,6 +194,8 @@ void frmNotePad::BuildMenus()
             &QAction::triggered, this, [this] { m_pool.ChooseEditorColor(true); });
     connect(AddAction(options, QStringLiteral("mnuOFont"), tr("F&ont...")), &QAction::triggered,
             &m_pool, &EditorPool::ChooseEditorFont);
+    connect(AddAction(options, QStringLiteral("mnuOExtEditor"), tr("&External editor...")),
+            &QAction::triggered, &m_pool, &EditorPool::ChooseExternalEditor);
 
     // Filled by the compiler when the window is announced.
     QMenu *compile = menuBar()->addMenu(tr("&Compile"));
