@@ -13,8 +13,10 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QtTest>
 
@@ -272,6 +274,23 @@ private slots:
         QCOMPARE(Pool().SelLength(index), 6);
     }
 
+    // Invert acts on the text box that has the focus, but never changes
+    // one that is read-only (a report, the terminal).
+    void invertCaseLeavesReadOnlyBoxesAlone()
+    {
+        const int index = NewWithText(QStringLiteral("abc"));
+        auto *report = new QPlainTextEdit(QStringLiteral("report"));
+        report->setReadOnly(true);
+        m_area->addSubWindow(report)->show();
+        m_area->setActiveSubWindow(m_area->subWindowList().last());
+        report->selectAll();
+        report->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), report);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEInvert"))->trigger();
+        QCOMPARE(report->toPlainText(), QStringLiteral("report"));
+        QCOMPARE(Pool().Text(index), QStringLiteral("abc"));
+    }
+
     void pasteTooLongIsRefused()
     {
         const int index = NewWithText(QString(65000, QLatin1Char('A')));
@@ -304,6 +323,25 @@ private slots:
         QVERIFY(Pool().Save(index));
         QCOMPARE(ReadAll(path), expected);
         QVERIFY(!Pool().FState(index).Dirty);
+    }
+
+    // A file that is no source: control bytes (NUL included) load into the
+    // real text box and are written back as they were.
+    void controlBytesSurviveTheRealWindow()
+    {
+        QByteArray original;
+        for (int b = 0; b < 32; ++b)
+            if (b != '\r' && b != '\n')
+                original += static_cast<char>(b);
+        original += "\r\n";
+        original += original;
+        const QString path = m_dir.filePath(QStringLiteral("CTRL.KVR"));
+        WriteAll(path, original);
+        Pool().OpenFile(path);
+        const int index = Pool().ActiveIndex();
+        QCOMPARE(Pool().Text(index).size(), original.size());
+        QVERIFY(Pool().Save(index));
+        QCOMPARE(ReadAll(path), original);
     }
 
     void findDialog()

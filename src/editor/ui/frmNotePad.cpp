@@ -378,7 +378,7 @@ void frmNotePad::InvertSelection()
 {
     QWidget *target = ClipboardTarget();
     if (auto *line = qobject_cast<QLineEdit *>(target)) {
-        if (!line->hasSelectedText())
+        if (!line->hasSelectedText() || line->isReadOnly())
             return;
         const int start = line->selectionStart();
         const QString inverted = InvertCase(line->selectedText());
@@ -388,6 +388,8 @@ void frmNotePad::InvertSelection()
     }
     if (target != m_text) {
         auto *text = qobject_cast<QPlainTextEdit *>(target);
+        if (text->isReadOnly()) // a report or the terminal: not ours to change
+            return;
         QTextCursor cursor = text->textCursor();
         const int start = cursor.selectionStart();
         const QString inverted = InvertCase(cursor.selectedText());
