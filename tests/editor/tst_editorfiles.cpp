@@ -76,6 +76,21 @@ private slots:
         QCOMPARE(f->pool->UpperBound(), 4);
     }
 
+    // Shift+Tab: the next open window in slot order, wrapping to the first.
+    void nextEditorSkipsClosedSlotsAndWraps()
+    {
+        for (int i = 0; i < 4; ++i)
+            f->pool->FileNew();
+        QVERIFY(f->View(2)->Close());
+        QVERIFY(f->View(4)->Close());
+        f->pool->ActivateNext(1);
+        QCOMPARE(f->pool->ActiveIndex(), 3);
+        const int activations = f->View(1)->activations;
+        f->pool->ActivateNext(3);
+        QCOMPARE(f->pool->ActiveIndex(), 1);
+        QCOMPARE(f->View(1)->activations, activations + 1);
+    }
+
     void newWindowIsAnnounced()
     {
         QSignalSpy created(f->pool.get(), &EditorHost::EditorCreated);

@@ -260,6 +260,7 @@ private slots:
         const int b = NewWithText(QString());
         Window(a)->findChild<QAction *>(QStringLiteral("mnuO3"))->trigger();
         QCOMPARE(m_context->settings.tabSpaces, QStringLiteral("3"));
+        QVERIFY(ReadAll(m_context->paths.SettingsFile()).contains("Source window TAB spaces=3"));
         QVERIFY(Window(b)->findChild<QAction *>(QStringLiteral("mnuO3"))->isChecked());
         QVERIFY(!Window(b)->findChild<QAction *>(QStringLiteral("mnuOTInt"))->isChecked());
     }
