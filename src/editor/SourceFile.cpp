@@ -54,9 +54,12 @@ ReadResult OpenForReading(const QString &name, QFile &file)
 {
     ReadResult result;
     const QString path = ResolvePath(name);
-    if (QFileInfo(path).isDir()) {
+    // Only plain files: a folder cannot be read, a pipe would wait for a
+    // writer, and a device such as /dev/zero never ends.
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) {
         result.error = FileError::Other;
-        result.description = QString::fromLocal8Bit(std::strerror(EISDIR));
+        result.description = QString::fromLocal8Bit(std::strerror(info.isDir() ? EISDIR : ENODEV));
         return result;
     }
     file.setFileName(path);

@@ -242,6 +242,28 @@ private slots:
         QCOMPARE(f->prompts.shown[1].icon, PromptIcon::Critical);
     }
 
+    // Names that are not plain files: nothing is read and no window stays.
+    void specialFilesAreNotLoaded_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("a folder") << QString();
+        QTest::newRow("a device that never ends") << QStringLiteral("/dev/zero");
+        QTest::newRow("a pipe") << QStringLiteral("fifo");
+    }
+    void specialFilesAreNotLoaded()
+    {
+        QFETCH(QString, path);
+        if (path.isEmpty())
+            path = f->dir.path();
+        if (path == QLatin1String("fifo")) {
+            path = f->File(QStringLiteral("PIPE.KVR"));
+            QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        }
+        f->pool->OpenFile(path);
+        QVERIFY(f->pool->OpenIndexes().isEmpty());
+        QCOMPARE(f->prompts.MessageTexts(), QStringList{QStringLiteral("Can't open file: ") + LogicalName(path)});
+    }
+
     void colourDialogs_data()
     {
         QTest::addColumn<bool>("foreground");
