@@ -120,13 +120,10 @@ void EditorPool::RestoreChosen(int index, const QString &entry)
                                   PromptIcon::Exclamation);
         return;
     }
-    // Taken as it stands: no line checks, no trimming; but the window can
-    // hold no more than any text box of ours.
+    // Taken as it stands: no line checks, no trimming, no cut (a backup of
+    // a full window may end in the CR LF that saving added). Only a file
+    // far too large for any source (MaxReadBytes) is refused above.
     const QString restored = ToCrLf(read.content);
-    if (restored.size() > MaxTextLength) {
-        m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
-        return;
-    }
     EditAction action;
     action.changesText = true;
     action.start = 0;

@@ -5,6 +5,8 @@
 #include "editor/FindEngine.h"
 #include "editor/RecentFiles.h"
 #include <QtTest>
+#include <cerrno>
+#include <cstring>
 
 using namespace kvr;
 using namespace kvr::test;
@@ -192,9 +194,12 @@ private slots:
             << int(PromptAnswer::Yes) << backup << "BACKUP 2  \r\nX\r\n" << true << QString();
         QTest::newRow("No: untouched")
             << int(PromptAnswer::No) << backup << "PUMP TEXT\r\n" << false << QString();
-        QTest::newRow("Yes: more than a window holds is refused")
-            << int(PromptAnswer::Yes) << QByteArray(70000, 'A') << "PUMP TEXT\r\n" << false
-            << "The source text in this window is too long for this operation";
+        QTest::newRow("Yes: taken whole even past 65,535 characters")
+            << int(PromptAnswer::Yes) << QByteArray(70000, 'A') << QString(70000, QLatin1Char('A'))
+            << true << QString();
+        QTest::newRow("Yes: a file far too large for any source is refused")
+            << int(PromptAnswer::Yes) << QByteArray(17 * 1024 * 1024, 'A') << "PUMP TEXT\r\n" << false
+            << "Error: " + QString::fromLocal8Bit(std::strerror(EFBIG));
     }
     void restoreOverwrites()
     {
