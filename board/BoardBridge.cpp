@@ -32,7 +32,7 @@ void BoardBridge::FromPc(const QByteArray &chunk)
     // Ctrl-C breaks into a running program; the board's own loop also sees
     // it and drops the line being typed.
     for (char byte : taken) {
-        if (byte == '\r')
+        if (byte == '\r' || byte == '\n')
             m_lineSent = true;
         else if (byte == '\x03' && (!m_forthReading || m_lineSent))
             m_forth.Interrupt();

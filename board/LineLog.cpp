@@ -16,8 +16,11 @@ void LineLog::Take(const QByteArray &bytes)
 {
     if (!m_file.isOpen())
         return;
+    // As the board reads lines: CR ends one, and so does a LF not after a CR.
     for (char byte : bytes) {
-        if (byte == '\r') {
+        const bool lineEnd = byte == '\r' || (byte == '\n' && !m_afterCr);
+        m_afterCr = byte == '\r';
+        if (lineEnd) {
             m_line += '\n';
             m_file.write(m_line);
             m_line.clear();

@@ -15,6 +15,7 @@ public:
 private:
     QFile m_file;
     QByteArray m_line;
+    bool m_afterCr = false;
 };
 
 }  // namespace kvr::board

@@ -8,6 +8,11 @@
 set -euo pipefail
 
 build=${1:-build}
+if [ ! -d "$build" ]; then
+    echo "run-with-simulator: no build folder $build; run 'make build' first" >&2
+    exit 1
+fi
+build=$(cd "$build" && pwd)   # kvr-pc changes its folder to the source file's
 bin="$build/bin"
 source_dir=$(cd "$(dirname "$0")/.." && pwd)
 type=${KVR_BOARD_TYPE:-4410ANS}
@@ -21,6 +26,7 @@ fi
 
 # The examples are copied once, so edits and backups stay out of the sources.
 mkdir -p "$settings" "$work"
+settings=$(cd "$settings" && pwd)
 for example in "$source_dir"/examples/*.KVR; do
     [ -e "$work/$(basename "$example")" ] || cp "$example" "$work/"
 done
@@ -58,7 +64,7 @@ if [ -x "$bin/kvr-pc" ]; then
     "$bin/kvr-pc" --settings-dir "$settings" --simulator "$address" "$work/HELLO.KVR"
 else
     echo "kvr-pc is not built yet. Talk to the board with, for example:"
-    echo "    nc ${address%:*} ${address#*:}      (end each line with Ctrl-M / Enter)"
+    echo "    nc ${address%:*} ${address#*:}"
     echo "Press Ctrl-C to stop the board."
     wait "$board_pid"
 fi

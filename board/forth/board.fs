@@ -10,7 +10,7 @@ require ./console.fs
 
 \ A redefinition is reported the way the board does and accepted.
 : board-header ( -- )
-    defers header
+    $100 ?room  defers header
     last @ ?dup IF
         name>string 2dup current @ search-wordlist
         IF drop type ."  NOT UNIQUE " ELSE 2drop THEN

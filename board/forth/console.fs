@@ -50,8 +50,14 @@ create sign-on-line 80 chars allot
 : rub-out ( -- )
     #tib @ IF -1 #tib +! 8 emit bl emit 8 emit THEN ;
 
+\ Carriage return ends a line; so does a line feed that does not follow one,
+\ for terminals that send line feeds alone.
+variable after-cr
+
 \ Takes one character into the line; true when it ended the line.
 : take-char ( c -- flag )
+    dup 10 = after-cr @ 0= and IF drop 13 THEN
+    dup 13 = after-cr !
     dup 13 = IF drop bl emit true EXIT THEN
     dup 8 = over 127 = or IF drop rub-out false EXIT THEN
     dup 3 = IF drop 0 #tib ! false EXIT THEN   \ break: drop the line typed so far

@@ -2,23 +2,34 @@
 \ the host process, so they are taken as board addresses: from the start of
 \ the dictionary upwards they are the dictionary, below it a RAM area of its
 \ own. Numbers shown by . and U. that are host addresses of these areas are
-\ shown as board addresses, so what is printed can be typed back.
+\ shown as board addresses, so what is printed can be typed back. The host
+\ compiles about four times the code a 16-bit board does, so one board byte
+\ of dictionary stands for four host bytes (a board address names the first).
 
 $10000 allocate throw constant low-ram
 low-ram $10000 erase
 
 variable dict-base     \ host address of the board's dictionary start
 variable board-start   \ its 16-bit board address
+4 constant host/board   \ host bytes per board byte in the dictionary
+
+: board-room ( -- u )  $10000 board-start @ - ;
 
 : >real ( addr -- addr' )
     dup $10000 u< IF
-        dup board-start @ u< IF low-ram + ELSE board-start @ - dict-base @ + THEN
+        dup board-start @ u< IF low-ram + ELSE board-start @ - host/board * dict-base @ + THEN
     THEN ;
 
 : >board ( addr -- addr' )
-    dup dict-base @ - dup $10000 board-start @ - u< IF
-        nip board-start @ + EXIT THEN drop
+    dup dict-base @ - dup board-room host/board * u< IF
+        nip host/board / board-start @ + EXIT THEN drop
     dup low-ram - dup board-start @ u< IF nip EXIT THEN drop ;
+
+\ The board's dictionary ends below $10000 (checked once the board is up).
+: ?room ( u -- )
+    dict-base @ 0= IF drop EXIT THEN
+    here + dict-base @ - host/board / board-room u> IF -8 throw THEN ;
+: allot ( n -- )  dup 0> IF dup ?room THEN allot ;
 
 : @ ( addr -- x )  >real @ ;
 : ! ( x addr -- )  >real ! ;

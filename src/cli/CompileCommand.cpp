@@ -1,5 +1,6 @@
 #include "cli/CompileCommand.h"
 #include "app/AppContext.h"
+#include "app/Calibration.h"
 #include "app/ConsolePrompts.h"
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
@@ -34,6 +35,11 @@ const char *CompileUsage =
     "  --quick               quick compile (lines compacted before sending)\n"
     "  --quiet               no beeps, replies collected without display\n"
     "  --json                one JSON object per report line, then a summary\n"
+    "                        (lines sent, seconds, outcome, end address, delay)\n"
+    "\n"
+    "An intercharacter delay still \"-1\" in the settings (a fresh settings folder)\n"
+    "is measured for this run as the windowed program measures it at start-up,\n"
+    "without writing it; set it once in KVR-PC.INI (or start kvr-pc) to skip that.\n"
     "\n"
     "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
     "responding or link failure, 3 bad usage, 4 halted (Ctrl-C).\n";
@@ -174,6 +180,18 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     AppContext context(paths, prompts, clock);
     context.ReadSettings();
     Settings &settings = context.settings;
+    // Not measured yet: measure for this run only, so that characters are
+    // paced as the windowed program would pace them. A delay that is set
+    // stays as it is.
+    const QString notMeasured = QStringLiteral("-1");
+    if (settings.delay4410 == notMeasured || settings.delay6630 == notMeasured) {
+        Settings measured;
+        CalibrateDelay(measured, clock);
+        if (settings.delay4410 == notMeasured)
+            settings.delay4410 = measured.delay4410;
+        if (settings.delay6630 == notMeasured)
+            settings.delay6630 = measured.delay6630;
+    }
 
     if (!options.type.isEmpty()) {
         const std::optional<QString> type = CanonicalType(options.type);
@@ -223,11 +241,11 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     const QString path = QFileInfo(options.file).absoluteFilePath().toUpper();
 
     std::unique_ptr<Transport> transport;
-    const int connectLimit = std::max(1000, static_cast<int>(Val(settings.timeout)));
+    const int connectLimit = static_cast<int>(std::clamp(Val(settings.timeout), 1000.0, 600000.0));
     if (settings.IsTcpMode()) {
         auto tcp = std::make_unique<TcpTransport>();
         QString error;
-        const quint16 port = static_cast<quint16>(Val(settings.remotePort));
+        const quint16 port = static_cast<quint16>(std::clamp(Val(settings.remotePort), 0.0, 65535.0));
         if (!ConnectTcp(*tcp, settings.remoteIp, port, connectLimit, error)) {
             std::fprintf(stderr, "kvr compile: cannot connect to %s:%u: %s\n", qPrintable(settings.remoteIp),
                          port, qPrintable(error));
@@ -240,7 +258,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     } else {
         auto serial = std::make_unique<SerialTransport>();
         const QString device = settings.SerialDevice(settings.commPort);
-        if (device.isEmpty() || !serial->Open(device, static_cast<qint32>(Val(settings.baudRate)))) {
+        if (device.isEmpty() || !serial->Open(device, static_cast<qint32>(std::clamp(Val(settings.baudRate), 0.0, 4000000.0)))) {
             std::fprintf(stderr, "kvr compile: cannot open %s (%s): %s\n", qPrintable(settings.commPort),
                          qPrintable(device.isEmpty() ? QStringLiteral("no device bound") : device),
                          qPrintable(serial->ErrorText()));
@@ -283,6 +301,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
                    {QStringLiteral("seconds"), seconds},
                    {QStringLiteral("outcome"), OutcomeName(end)},
                    {QStringLiteral("end_address"), driver.State().endOfProgramAddress.trimmed()},
+                   {QStringLiteral("delay"), link.CurrentDelay()},
                    {QStringLiteral("exit"), status}});
     }
     transport->Close();

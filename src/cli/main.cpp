@@ -19,6 +19,10 @@ const char *Usage =
     "  --version           print the version and exit\n"
     "  --help              print this text and exit\n"
     "\n"
+    "Settings come from KVR-PC.INI in the settings folder and are never written\n"
+    "by kvr. An intercharacter delay still \"-1\" there (a fresh folder) is measured\n"
+    "for the run, as kvr-pc measures it at its first start.\n"
+    "\n"
     "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
     "responding or link failure, 3 bad usage, 4 halted.\n";
 

@@ -11,6 +11,9 @@ namespace kvr {
 
 inline constexpr int MaxIncludeFiles = 100;
 inline constexpr int QuietLineLength = 160;
+// The longest reply line kept from the terminal-shown receiver; a board
+// that never ends its line cannot fill the memory.
+inline constexpr int ReplyLineLimit = 4096;
 
 // One file of the include stack: entry 0 is the file being read, entries
 // 1.. its suspended parents, most recent first.

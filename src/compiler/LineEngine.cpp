@@ -7,12 +7,21 @@
 #include "link/Link.h"
 #include "link/TerminalHost.h"
 #include <QThread>
+#include <limits>
 
 namespace kvr {
 
 namespace {
 const QString EndCommand = QStringLiteral("BASE @ HEX HERE U. BASE !");
 constexpr int MaxLineLength = 80;
+
+// The deadline of one wait; an odd setting (negative, huge, not a number)
+// still gives a deadline the wrap-around tick comparison can use.
+quint32 DeadlineAfterTimeout(Clock &clock, const QString &timeout)
+{
+    const double ms = std::clamp(Val(timeout), 0.0, double(std::numeric_limits<qint32>::max()));
+    return clock.TickCount() + static_cast<quint32>(ms);
+}
 } // namespace
 
 LineEngine::LineEngine(AppContext &context, Link &link, TerminalHost *terminal,
@@ -113,7 +122,7 @@ void LineEngine::FinishTopLevel(const QString &fileName)
     EndRun(RunEnd::Finished);
     m_link.SendText(EndCommand, true);
     Clock &clock = m_context.clock;
-    const quint32 deadline = clock.TickCount() + static_cast<quint32>(Val(m_context.settings.timeout));
+    const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     while (!m_receiver.ReceiveLineQuiet() && TickBefore(clock.TickCount(), deadline)) {
     }
     const QString address = m_state.replyLine.mid(26, 4);
@@ -187,7 +196,7 @@ void LineEngine::BoardLine(QString line)
     m_link.SendText(line, true);
     ++m_state.linesSent;
     Clock &clock = m_context.clock;
-    const quint32 deadline = clock.TickCount() + static_cast<quint32>(Val(m_context.settings.timeout));
+    const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     bool complete = false;
     for (;;) {
         complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();

@@ -20,7 +20,7 @@ bool ReplyReceiver::ReceiveLineShown()
             m_state.shownLine.clear();
             return true;
         }
-        if (static_cast<unsigned char>(c) >= 32)
+        if (static_cast<unsigned char>(c) >= 32 && m_state.shownLine.size() < ReplyLineLimit)
             m_state.shownLine += QLatin1Char(c);
     }
     if (m_terminal)

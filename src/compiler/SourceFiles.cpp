@@ -14,7 +14,8 @@ int SourceFiles::FreeNumber() const
 
 bool SourceFiles::Open(int number, const QString &logicalPath)
 {
-    if (logicalPath.isEmpty())
+    // No file on disk has a NUL in its name (a binary INCLUDE line).
+    if (logicalPath.isEmpty() || logicalPath.contains(QChar(0)))
         return false;
     const QString path = ResolvePath(logicalPath);
     if (!QFileInfo(path).isFile())

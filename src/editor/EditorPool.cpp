@@ -178,8 +178,8 @@ void EditorPool::OpenFile(const QString &name)
 void EditorPool::LoadFile(const QString &name)
 {
     const QString logical = LogicalName(name);
-    const ReadResult read = ReadSourceFile(logical);
-    if (!read.ok) {
+    SourceLineReader reader;
+    if (!reader.Open(logical).ok) {
         m_context.prompts.Message(QStringLiteral("Can't open file: ") + logical,
                                   PromptIcon::Information);
         return;
@@ -191,18 +191,17 @@ void EditorPool::LoadFile(const QString &name)
     view->SetCaption(logical);
 
     const bool checkLength = IsKvrName(logical);
-    const QStringList lines = SplitSourceLines(read.content);
     QString text;
-    text.reserve(std::min<qsizetype>(read.content.size() + lines.size() + 2, MaxTextLength + 200));
     bool cut = false;
-    for (const QString &line : lines) {
-        if (checkLength && line.size() > MaxLineLength) {
+    SourceLine line;
+    while (reader.Next(line)) {
+        if (checkLength && line.length > MaxLineLength) {
             m_context.prompts.Message(
                 QStringLiteral("The following line has over 80 characters, you should correct it:\n")
-                    + ShownLine(line),
+                    + ShownLine(line.text),
                 PromptIcon::Exclamation);
         }
-        text += RTrim(line);
+        text += line.Trimmed();
         text += QLatin1String("\r\n");
         if (text.size() > MaxTextLength) {
             cut = true;

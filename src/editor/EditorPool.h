@@ -88,6 +88,8 @@ public:
     QFont EditorFont() const { return m_font; }
     void ChooseEditorFont();
     void SetEditorFont(const QFont &font);
+    void ChooseExternalEditor(); // mnuOExtEditor
+    void StartExternalEditor();  // mnuFExtEditor: the current file in it
 
     // Find (Edit menu and the dialog).
     FindState &Find() { return m_find; }
@@ -128,6 +130,9 @@ private:
     FindState m_find;
     QFont m_font;
 };
+
+// The box for a text that the window cannot take (paste, insert, restore).
+QString TooLongForOperation();
 
 // The logical name of a file: absolute, clean and upper-cased.
 QString LogicalName(const QString &name);

@@ -3,10 +3,20 @@
 #include "editor/BusyCursor.h"
 #include "editor/EditorPool.h"
 #include "editor/FileFilters.h"
+#include "editor/RecentFiles.h"
+#include "app/FilePaths.h"
 #include "editor/SourceFile.h"
+#include <QFileInfo>
 #include <QFontMetrics>
+#include <QProcess>
+#include <QStandardPaths>
 
 namespace kvr {
+
+QString TooLongForOperation()
+{
+    return QStringLiteral("The source text in this window is too long for this operation");
+}
 
 void EditorPool::Backup(int index)
 {
@@ -110,12 +120,15 @@ void EditorPool::RestoreChosen(int index, const QString &entry)
                                   PromptIcon::Exclamation);
         return;
     }
-    // Taken as it stands: no line checks, no trimming.
+    // Taken as it stands: no line checks, no trimming, no cut (a backup of
+    // a full window may end in the CR LF that saving added). Only a file
+    // far too large for any source (MaxReadBytes) is refused above.
+    const QString restored = ToCrLf(read.content);
     EditAction action;
     action.changesText = true;
     action.start = 0;
     action.removed = static_cast<int>(view->Text().size());
-    action.inserted = ToCrLf(read.content);
+    action.inserted = restored;
     view->Apply(action);
     m_fstate[index].Dirty = true;
 }
@@ -175,7 +188,13 @@ void EditorPool::InsertFile(int index)
         QStringLiteral("Insert file"), QtFilter(InsertFileFilter), QString());
     if (name.isEmpty())
         return;
-    const ReadResult read = ReadSourceFile(name);
+    // Line ends never shrink on the way in: a file of more bytes than a
+    // window holds cannot fit and is not read at all.
+    const ReadResult read = ReadSourceFile(name, MaxTextLength);
+    if (read.tooLarge) {
+        m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
+        return;
+    }
     if (!read.ok) {
         m_context.prompts.Message(QStringLiteral("Can't open file: ") + name,
                                   PromptIcon::Information);
@@ -183,9 +202,7 @@ void EditorPool::InsertFile(int index)
     }
     const QString inserted = ToCrLf(read.content);
     if (view->Text().size() - view->SelLength() + inserted.size() > MaxTextLength) {
-        m_context.prompts.Message(
-            QStringLiteral("The source text in this window is too long for this operation"),
-            PromptIcon::Information);
+        m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
         return;
     }
     EditAction action;
@@ -242,7 +259,9 @@ QColor EditorPool::EditorColor(bool foreground) const
 
 void EditorPool::ChooseEditorColor(bool foreground)
 {
-    const std::optional<QColor> chosen = m_context.prompts.Color(EditorColor(foreground));
+    const std::optional<QColor> chosen = m_context.prompts.Color(
+        EditorColor(foreground), foreground ? QStringLiteral("Source code foreground color")
+                                            : QStringLiteral("Source code background color"));
     if (!chosen)
         return;
     m_context.settings.SetColor(ColorWindow::Editor, foreground, *chosen);
@@ -274,6 +293,40 @@ void EditorPool::SetEditorFont(const QFont &font)
     m_font = font;
     for (int index : OpenIndexes())
         m_document[index]->RefreshOptions();
+}
+
+void EditorPool::ChooseExternalEditor()
+{
+    // Programs here rarely carry those endings: every file is offered too.
+    const QString name = m_context.prompts.OpenFileName(
+        QStringLiteral("External editor"),
+        QtFilter(QStringLiteral("EXE files (*.exe)|*.exe|COM files (*.com)|*.com|All files (*.*)|*.*")),
+        QFileInfo(m_context.settings.externalEditor).absolutePath());
+    if (name.isEmpty())
+        return;
+    m_context.settings.externalEditor = name;
+    m_context.WriteSettings();
+}
+
+void EditorPool::StartExternalEditor()
+{
+    const QString configured = m_context.settings.externalEditor;
+    // The Windows default names Notepad; the desktop's own editor stands in.
+    const QString program = configured.endsWith(QLatin1String("NOTEPAD.EXE"), Qt::CaseInsensitive)
+        ? QStringLiteral("xdg-open")
+        : configured;
+    const bool found = QFileInfo(program).isAbsolute()
+        ? QFileInfo(program).isFile() && QFileInfo(program).isExecutable()
+        : !QStandardPaths::findExecutable(program).isEmpty();
+    QStringList arguments;
+    const QString file = m_context.settings.currentFile;
+    if (!file.isEmpty() && !IsUnusedEntry(file))
+        arguments << ResolvePath(file);
+    if (!found || !QProcess::startDetached(program, arguments))
+        m_context.prompts.Message(QStringLiteral("Editor program ") + configured
+                                      + QStringLiteral(" not found.\r\n")
+                                      + QStringLiteral("Select using editor window options menu."),
+                                  PromptIcon::Exclamation);
 }
 
 void EditorPool::ShowFind(int index)

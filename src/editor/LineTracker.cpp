@@ -4,9 +4,11 @@
 namespace kvr {
 
 bool LineTracker::Changed(int caret, int added, int removed,
-                          const std::function<int()> &measure)
+                          const std::function<int()> &measure, bool lineEndsChanged)
 {
-    if (caret == m_lastSelStart + 1 && added == 1 && removed == 0) {
+    if (lineEndsChanged) {
+        m_lineLength = measure();
+    } else if (caret == m_lastSelStart + 1 && added == 1 && removed == 0) {
         ++m_lineLength;
     } else if (added == 0 && removed == 1
                && (caret == m_lastSelStart || caret == m_lastSelStart - 1)) {

@@ -194,6 +194,9 @@ void Terminal::SetInputTimerEnabled(bool enabled)
 void Terminal::SetProgressVisible(bool visible)
 {
     m_progressVisible = visible;
+    // The labels take the window's current colours as they appear.
+    if (visible)
+        emit ColorsChanged();
     emit IndicatorsChanged();
 }
 

@@ -70,6 +70,8 @@ void MainAssembly::InstallEditors()
             }
     });
     connect(&pool, &EditorPool::ExitRequested, &m_frame, &QWidget::close);
+    connect(m_frame.Item(QStringLiteral("mnuFExtEditor")), &QAction::triggered, &pool,
+            &EditorPool::StartExternalEditor);
     connect(&pool, &EditorPool::HelpRequested, this, [this] {
         if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
             help->trigger();

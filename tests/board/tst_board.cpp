@@ -51,6 +51,7 @@ private slots:
     void hereAddress_data();
     void hereAddress();
     void printedAddressesCanBeUsed();
+    void dictionaryFillsUp();
     void dialects_data();
     void dialects();
     void coldForgetsEverything();
@@ -155,10 +156,24 @@ void TestBoard::printedAddressesCanBeUsed()
     const QByteArray reply = session.wire->Converse("BASE @ HEX BUF U. BASE !");
     const QByteArray address = reply.mid(25).trimmed().split(' ').value(0);
     QCOMPARE(address.size(), 4);
-    QCOMPARE(session.wire->Converse("HEX " + address + " 1+ C@ DECIMAL ."),
-             "HEX " + address + " 1+ C@ DECIMAL . 88  ok");
+    QCOMPARE(session.wire->Converse("HEX " + address + " C@ DECIMAL ."), "HEX " + address + " C@ DECIMAL . 77  ok");
+    QCOMPARE(session.wire->Converse("99 HEX " + address + " C! DECIMAL BUF C@ ."),
+             "99 HEX " + address + " C! DECIMAL BUF C@ . 99  ok");
     // Below the dictionary there is RAM of its own.
     QCOMPARE(session.wire->Converse("1234 $820 ! $820 @ ."), QByteArray("1234 $820 ! $820 @ . 1234  ok"));
+}
+
+void TestBoard::dictionaryFillsUp()
+{
+    Session session;
+    QVERIFY2(session.Open(QStringLiteral("tcp"), QStringLiteral("6630Fig")), qPrintable(session.board.Failure()));
+    QByteArray reply;
+    for (int i = 0; i < 100 && !reply.contains(ErrorMarker); ++i)
+        reply = session.wire->Converse("CREATE BLOCK" + QByteArray::number(i) + " 4000 ALLOT");
+    QVERIFY2(reply.endsWith("?  - DICTIONARY FULL"), reply.constData());
+    // HERE is still a board address of four digits, near the top.
+    const QByteArray digits = HereDigits(session.wire->Converse(HereCommand));
+    QVERIFY2(digits.toUInt(nullptr, 16) > 0xF000, digits.constData());
 }
 
 void TestBoard::dialects_data()

@@ -126,10 +126,12 @@ void TestBoardWire::logRecordsLinesAsReceived()
     QCOMPARE(wire->Converse(": SQ DUP * ;"), QByteArray(": SQ DUP * ;  ok"));
     QVERIFY(!wire->Converse("AB\bC").isNull());
     QVERIFY(!wire->Converse("").isNull());
-    // CR LF from a terminal counts as one line end.
+    // CR LF from a terminal counts as one line end, and so does LF alone.
     wire->Send("3 SQ .\r\n");
     QCOMPARE(wire->ReadLine(), QByteArray("3 SQ . 9  ok"));
-    QCOMPARE(ReadFile(log), QByteArray(": SQ DUP * ;\nAB\bC\n\n3 SQ .\n"));
+    wire->Send("4 SQ .\n");
+    QCOMPARE(wire->ReadLine(), QByteArray("4 SQ . 16  ok"));
+    QCOMPARE(ReadFile(log), QByteArray(": SQ DUP * ;\nAB\bC\n\n3 SQ .\n4 SQ .\n"));
 }
 
 void TestBoardWire::heartbeatPortIsSilent()

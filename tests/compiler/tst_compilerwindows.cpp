@@ -4,6 +4,9 @@
 #include "compiler/ui/CompilerWindows.h"
 #include "compiler/ui/frmStatus.h"
 #include "app/IniFile.h"
+#include "link/ui/frmEmulator.h"
+#include <QLabel>
+#include <QScrollBar>
 #include <QAction>
 #include <QListWidget>
 #include <QMainWindow>
@@ -34,6 +37,7 @@ private slots:
     void ChecksFollowInEveryWindow();
     void RecentFilesListed();
     void PathsItemsInOptionsMenu();
+    void ProgressLabelsInTerminalWindow();
 
 private:
     struct Windows {
@@ -92,11 +96,16 @@ void TestCompilerWindows::ColorsFromSettingsAndDialogs()
     QCOMPARE(list->palette().color(QPalette::Text), w.f.context->settings.Color(ColorWindow::StatusBox, true));
 
     QSignalSpy written(w.f.context.get(), &AppContext::SettingsWritten);
+    const QColor before = list->palette().color(QPalette::Base);
     w.f.prompts.colors.enqueue(QColor(10, 20, 30));
     w.compiler->StatusWindow()->findChild<QAction *>("staOCBackground")->trigger();
     QCOMPARE(list->palette().color(QPalette::Base), QColor(10, 20, 30));
     QCOMPARE(w.f.context->settings.Color(ColorWindow::StatusBox, false), QColor(10, 20, 30));
     QCOMPARE(written.count(), 1);
+    // Each dialog is titled and starts from the colour it changes.
+    QCOMPARE(w.f.prompts.shown.last().kind, QStringLiteral("color"));
+    QCOMPARE(w.f.prompts.shown.last().caption, QStringLiteral("Report background color"));
+    QCOMPARE(w.f.prompts.shown.last().text, before.name());
 
     w.f.prompts.colors.enqueue(std::nullopt); // cancelled: nothing changes
     w.compiler->StatusWindow()->findChild<QAction *>("staOCText")->trigger();
@@ -104,6 +113,7 @@ void TestCompilerWindows::ColorsFromSettingsAndDialogs()
     w.f.prompts.colors.enqueue(QColor(200, 100, 50));
     w.compiler->StatusWindow()->findChild<QAction *>("staOCText")->trigger();
     QCOMPARE(list->palette().color(QPalette::Text), QColor(200, 100, 50));
+    QCOMPARE(w.f.prompts.shown.last().caption, QStringLiteral("Report foreground color"));
     QCOMPARE(w.f.context->settings.Color(ColorWindow::StatusBox, true), QColor(200, 100, 50));
 }
 
@@ -332,6 +342,55 @@ void TestCompilerWindows::PathsItemsInOptionsMenu()
     QCOMPARE(w.f.context->settings.extraSearchPaths, QStringLiteral("/srv/lib\\;"));
     paths->findChild<QAction *>("mnuOPDefault")->trigger();
     QVERIFY(w.f.context->settings.extraSearchPaths.isEmpty());
+}
+
+void TestCompilerWindows::ProgressLabelsInTerminalWindow()
+{
+    CompileFixture f;
+    frmEmulator emulator(*f.context, *f.link);
+    emulator.resize(800, 480);
+    emulator.show();
+    CompileDriver driver(*f.context, *f.link, &emulator.Logic(), &f.editor, *f.report);
+    f.context->settings.noCompileDisplay = QStringLiteral("ON");
+    // A colour set in the record that the window has not been told about:
+    // the labels must take it when they appear.
+    f.context->settings.SetColor(ColorWindow::Emulator, true, QColor(1, 2, 3));
+    auto *bar = emulator.findChild<QLabel *>("lblCompilation");
+    auto *caption = emulator.findChild<QLabel *>("lblProgress");
+    QVERIFY(bar && caption);
+    QCOMPARE(caption->text(), QStringLiteral("Compilation in progress"));
+    QVERIFY(!bar->isVisible());
+
+    bool seen = false;
+    bool visible = false;
+    QColor color;
+    QRect barAt, captionAt;
+    QString blocks;
+    f.board.onLine = [&](const QByteArray &line) {
+        if (line != "3 DROP")
+            return;
+        seen = true;
+        visible = bar->isVisible() && caption->isVisible();
+        color = bar->palette().color(QPalette::WindowText);
+        barAt = bar->geometry();
+        captionAt = caption->geometry();
+        blocks = bar->text();
+    };
+    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    driver.CompileFile(f.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP", "BAD"}));
+    QVERIFY(seen);
+    QVERIFY(visible);
+    QCOMPARE(color, QColor(1, 2, 3));
+    const int innerWidth = emulator.width() - emulator.findChild<QScrollBar *>("vsbScrollBack")->width();
+    QVERIFY2(qAbs(barAt.center().x() - innerWidth / 2) <= 1, qPrintable(QString::number(barAt.center().x())));
+    QVERIFY(qAbs(barAt.center().y() - emulator.height() / 2) <= 1);
+    QVERIFY(qAbs(captionAt.center().x() - innerWidth / 2) <= 1);
+    QCOMPARE(captionAt.bottom() + 1, barAt.top());
+    QCOMPARE(blocks.size(), 2); // one block per reply line so far
+    // Gone again after the run, which ended on an error.
+    QCOMPARE(driver.State().runEnd, RunEnd::BoardError);
+    QVERIFY(!bar->isVisible());
+    QVERIFY(!caption->isVisible());
 }
 
 QTEST_MAIN(TestCompilerWindows)

@@ -21,6 +21,7 @@ private slots:
     void HundredAndFirstIncludeIgnored();
     void IncludeNotFound();
     void IncludeWithBackslashFolder();
+    void TopLevelWithoutFolder();
     void PcLinesInsideSkippedBranch();
     void ConditionalBlockSpansFiles();
     void QuickCompileCompactsLines();
@@ -30,6 +31,11 @@ private slots:
     void QuietReceiveAndProgress();
     void ShownReceivePaintsTraffic();
     void GarbageFromBoardAndFile();
+    void AwkwardIncludes_data();
+    void AwkwardIncludes();
+    void DeepIncludeNesting();
+    void BoardGoneMidCompile();
+    void FloodWithoutLineEnd();
 };
 
 void TestLineEngine::SendsLinesAndFinishes()
@@ -272,6 +278,23 @@ void TestLineEngine::IncludeWithBackslashFolder()
     QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
 }
 
+void TestLineEngine::TopLevelWithoutFolder()
+{
+    // A bare name is sought in the current folder first; found there it
+    // carries "./" yet its end still ends the run.
+    CompileFixture f;
+    f.Write("MAIN.KVR", {"INCLUDE LIB", "1 DROP"});
+    f.Write("LIB.KVR", {"L"});
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(f.dir.path()));
+    f.driver->CompileFile(QStringLiteral("MAIN.KVR"));
+    QDir::setCurrent(before);
+    QCOMPARE(f.Sent(), (QStringList{"L", "1 DROP"}));
+    QCOMPARE(f.report->Lines(), (QStringList{"./MAIN.KVR - line 1: FILE LIB.KVR INCLUDED",
+                                             "./MAIN.KVR - FINISHED at 1A2B"}));
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+}
+
 void TestLineEngine::PcLinesInsideSkippedBranch()
 {
     CompileFixture f;
@@ -418,6 +441,109 @@ void TestLineEngine::GarbageFromBoardAndFile()
     f.driver->CompileFile(main);
     QCOMPARE(f.Sent().first(), QStringLiteral("G"));
     QCOMPARE(f.report->LastLine(), f.Prefix(main, 3) + ": OVER 80 CHARACTERS");
+}
+
+void TestLineEngine::AwkwardIncludes_data()
+{
+    QTest::addColumn<QStringList>("source");
+    QTest::addColumn<QStringList>("sent");
+    QTest::addColumn<QStringList>("reportTails"); // after each line's prefix; "" for none
+    QTest::addColumn<int>("runEnd");
+    // A folder named like the file is not a file.
+    QTest::newRow("INCLUDE of a folder")
+        << QStringList{"1 DROP", "INCLUDE SUB", "2 DROP"} << QStringList{"1 DROP"}
+        << QStringList{"2: FILE SUB.KVR INCLUDED", "HALTED COMPILE, FILE NOT FOUND: SUB.KVR"}
+        << int(RunEnd::FileNotFound);
+    QTest::newRow("INCLUDE of a bare dot")
+        << QStringList{"INCLUDE .", "2 DROP"} << QStringList{}
+        << QStringList{"1: FILE . INCLUDED", "HALTED COMPILE, FILE NOT FOUND: ."} << int(RunEnd::FileNotFound);
+    const QString control = QStringLiteral("A") + QChar(0) + QChar(1) + QStringLiteral("B");
+    QTest::newRow("INCLUDE of a name with NUL and control bytes")
+        << QStringList{"INCLUDE " + control, "2 DROP"} << QStringList{}
+        << QStringList{"1: FILE " + control + ".KVR INCLUDED", "HALTED COMPILE, FILE NOT FOUND: " + control + ".KVR"}
+        << int(RunEnd::FileNotFound);
+    // The file includes itself: its copy is read once more (the second
+    // INCLUDE is already compiled) and, having the top-level name, its end
+    // ends the run.
+    QTest::newRow("INCLUDE of itself")
+        << QStringList{"1 DROP", "INCLUDE MAIN", "2 DROP"} << QStringList{"1 DROP", "1 DROP", "2 DROP"}
+        << QStringList{"2: FILE MAIN.KVR INCLUDED", "2: FILE MAIN.KVR ALREADY COMPILED", "FINISHED at 1A2B"}
+        << int(RunEnd::Finished);
+}
+
+void TestLineEngine::AwkwardIncludes()
+{
+    QFETCH(QStringList, source);
+    QFETCH(QStringList, sent);
+    QFETCH(QStringList, reportTails);
+    QFETCH(int, runEnd);
+    QTest::failOnWarning(QRegularExpression(QStringLiteral(".")));
+    CompileFixture f;
+    QVERIFY(QDir(f.dir.path()).mkpath("SUB.KVR"));
+    const QString main = f.Write("MAIN.KVR", source);
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), sent);
+    QCOMPARE(int(f.driver->State().runEnd), runEnd);
+    const QStringList lines = f.report->Lines();
+    QCOMPARE(lines.size(), reportTails.size());
+    for (int i = 0; i < lines.size(); ++i)
+        QVERIFY2(lines[i].endsWith(reportTails[i]), qPrintable(lines[i]));
+    QCOMPARE(f.context->busyState, BusyState::Idle);
+    for (int n = 1; n <= 3; ++n)
+        QVERIFY(!f.driver->State().files.IsOpen(n));
+}
+
+void TestLineEngine::DeepIncludeNesting()
+{
+    // F1 includes F2 ... includes F105: a hundred files nest, the
+    // hundred-and-first INCLUDE is ignored, and every parent resumes.
+    CompileFixture f;
+    for (int i = 1; i <= 105; ++i)
+        f.Write(QStringLiteral("F%1.KVR").arg(i),
+                {QStringLiteral("INCLUDE F%1").arg(i + 1), QStringLiteral("%1 DROP").arg(i)});
+    const QString main = f.Write("MAIN.KVR", {"INCLUDE F1", "0 DROP"});
+    f.driver->CompileFile(main);
+    QStringList expected;
+    for (int i = 100; i >= 0; --i)
+        expected.append(QStringLiteral("%1 DROP").arg(i));
+    QCOMPARE(f.Sent(), expected);
+    QCOMPARE(f.driver->State().compiledFiles.size(), 100);
+    QCOMPARE(f.report->Lines().size(), 101);
+    QCOMPARE(f.report->LastLine(), ShortenPath(main) + " - FINISHED at 1A2B");
+}
+
+void TestLineEngine::BoardGoneMidCompile()
+{
+    CompileFixture f;
+    f.board.onLine = [&f](const QByteArray &line) {
+        if (line == "2 DROP")
+            f.transport.Close();
+    };
+    f.board.silent.append("2 DROP");
+    const QString main = f.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.Sent(), (QStringList{"1 DROP", "2 DROP"}));
+    QCOMPARE(f.report->LastLine(), QStringLiteral("KVR4410 NOT RESPONDING"));
+    QCOMPARE(f.context->compileOutcome, CompileOutcome::NotResponding);
+    QCOMPARE(f.prompts.MessageTexts(), QStringList{Link::NotRespondingText("4410ANS")});
+    QCOMPARE(f.context->busyState, BusyState::Idle);
+}
+
+void TestLineEngine::FloodWithoutLineEnd()
+{
+    // A board that sends a megabyte without a line feed: the line being
+    // collected stays bounded and the compile goes on.
+    CompileFixture f;
+    f.board.replies.insert("A", QByteArray(1 << 20, 'x') + " ok\r\n");
+    qsizetype seen = -1;
+    f.board.onLine = [&](const QByteArray &line) {
+        if (line == "B")
+            seen = f.driver->State().replyLine.size();
+    };
+    f.driver->CompileFile(f.Write("MAIN.KVR", {"A", "B"}));
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+    QVERIFY(seen > 80);
+    QVERIFY2(seen <= ReplyLineLimit, qPrintable(QString::number(seen)));
 }
 
 QTEST_GUILESS_MAIN(TestLineEngine)

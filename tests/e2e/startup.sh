@@ -15,8 +15,16 @@ colors=$(sed -n '/^\[Colors\]/,/^\[/p' "$ini" | grep -c '=')
 [ "$colors" -eq 18 ] || fail "Colors has $colors keys"
 test -f "$SETTINGS_DIR/kvr-pc.lck" || fail "no lock file"
 
-# The opening dialogue of a first start.
-dialogue=$(wait_window 10 '^Welcome to KVR-PC for Windows$')
+# The opening dialogue of a first start; on a machine without a usable
+# /dev/ttyS0 the terminal first reports that COM1 could not be opened.
+deadline=$((SECONDS + 20))
+until has_window '^Welcome to KVR-PC for Windows$'; do
+    [ $SECONDS -lt $deadline ] || fail "no opening dialogue; windows: $(visible_windows)"
+    box=$(window_id '^KVR-PC for Windows$')
+    [ -n "$box" ] && keys "$box" Return
+    sleep 0.2
+done
+dialogue=$(window_id '^Welcome to KVR-PC for Windows$')
 screenshot opening
 keys "$dialogue" Escape
 

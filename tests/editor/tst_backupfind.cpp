@@ -5,6 +5,8 @@
 #include "editor/FindEngine.h"
 #include "editor/RecentFiles.h"
 #include <QtTest>
+#include <cerrno>
+#include <cstring>
 
 using namespace kvr;
 using namespace kvr::test;
@@ -86,6 +88,7 @@ private slots:
         f->pool->Backup(index);
         QCOMPARE(f->prompts.shown.size(), 1);
         QCOMPARE(f->prompts.shown[0].kind, QStringLiteral("input"));
+        QCOMPARE(f->prompts.shown[0].caption, AppTitle);
         QCOMPARE(f->prompts.shown[0].text,
                  QStringLiteral("Enter backup file name, the one suggested is the next in sequence."));
         QCOMPARE(f->prompts.shown[0].items, QStringList{proposed});
@@ -181,22 +184,39 @@ private slots:
     void restoreOverwrites_data()
     {
         QTest::addColumn<int>("answer");
+        QTest::addColumn<QByteArray>("backup");
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("dirty");
-        QTest::newRow("Yes: taken as it stands") << int(PromptAnswer::Yes) << "BACKUP 2  \r\nX\r\n" << true;
-        QTest::newRow("No: untouched") << int(PromptAnswer::No) << "PUMP TEXT\r\n" << false;
+        QTest::addColumn<QString>("refusal");
+        // No trimming and no line checks on a restore.
+        const QByteArray backup("BACKUP 2  \nX\r\n");
+        QTest::newRow("Yes: taken as it stands")
+            << int(PromptAnswer::Yes) << backup << "BACKUP 2  \r\nX\r\n" << true << QString();
+        QTest::newRow("No: untouched")
+            << int(PromptAnswer::No) << backup << "PUMP TEXT\r\n" << false << QString();
+        QTest::newRow("Yes: taken whole even past 65,535 characters")
+            << int(PromptAnswer::Yes) << QByteArray(70000, 'A') << QString(70000, QLatin1Char('A'))
+            << true << QString();
+        QTest::newRow("Yes: a file far too large for any source is refused")
+            << int(PromptAnswer::Yes) << QByteArray(17 * 1024 * 1024, 'A') << "PUMP TEXT\r\n" << false
+            << "Error: " + QString::fromLocal8Bit(std::strerror(EFBIG));
     }
     void restoreOverwrites()
     {
         QFETCH(int, answer);
+        QFETCH(QByteArray, backup);
+        QFETCH(QString, refusal);
         const int index = LoadPump({1});
-        // No trimming and no line checks on a restore.
-        WriteAll(f->File(QStringLiteral("PUMP.002.KVR")), "BACKUP 2  \nX\r\n");
+        WriteAll(f->File(QStringLiteral("PUMP.002.KVR")), backup);
         f->pool->Restore(index);
         f->prompts.answers.enqueue(static_cast<PromptAnswer>(answer));
         f->pool->RestoreChosen(index, QStringLiteral("PUMP.002.KVR"));
-        QCOMPARE(f->prompts.shown.last().text,
+        QCOMPARE(f->prompts.shown[0].text,
                  QStringLiteral("Do you really want to overwrite displayed source code?"));
+        QCOMPARE(f->prompts.shown[0].buttons, PromptButtons::YesNo);
+        QCOMPARE(f->prompts.MessageTexts().size(), refusal.isEmpty() ? 1 : 2);
+        if (!refusal.isEmpty())
+            QCOMPARE(f->prompts.MessageTexts().last(), refusal);
         QVERIFY(!f->View(index)->backupsShown);
         QTEST(f->pool->Text(index), "text");
         QTEST(f->pool->FState(index).Dirty, "dirty");
@@ -204,15 +224,43 @@ private slots:
         QCOMPARE(f->pool->SelStart(index), 0);
     }
 
+    void restoreRefusals_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("message"); // "%1" stands for the caption
+        QTest::addColumn<int>("icon");
+        QTest::newRow("unnamed window")
+            << 0 << "Name the source file with 'Save As' before using 'Restore'" << int(PromptIcon::Information);
+        QTest::newRow("no backups") << 1 << "No backups have been made of %1" << int(PromptIcon::Exclamation);
+        QTest::newRow("scan stopped by an unreadable 001")
+            << 2 << "Error: " << int(PromptIcon::Exclamation);
+    }
     void restoreRefusals()
     {
-        const int unnamed = f->pool->FileNew();
-        f->pool->Restore(unnamed);
-        const int pump = LoadPump({});
-        f->pool->Restore(pump);
-        QCOMPARE(f->prompts.MessageTexts(),
-                 (QStringList{QStringLiteral("No backups have been made of ") + f->pool->Caption(pump)}));
-        QVERIFY(!f->View(pump)->backupsShown);
+        QFETCH(int, kind);
+        QFETCH(QString, message);
+        QFETCH(int, icon);
+        int index = 0;
+        if (kind == 0) {
+            index = f->pool->FileNew();
+        } else {
+            index = LoadPump(kind == 2 ? QList<int>{5} : QList<int>{});
+            if (kind == 2)
+                QVERIFY(QDir().mkpath(f->File(QStringLiteral("PUMP.001.KVR"))));
+        }
+        f->pool->Restore(index);
+        QCOMPARE(f->prompts.shown.size(), 1);
+        const RecordedPrompt &box = f->prompts.shown[0];
+        if (kind == 2) {
+            QVERIFY(box.text.startsWith(message));
+            QVERIFY(box.text.size() > message.size());
+        } else {
+            QCOMPARE(box.text, message.contains(QLatin1String("%1")) ? message.arg(f->pool->Caption(index))
+                                                                       : message);
+        }
+        QCOMPARE(int(box.icon), icon);
+        QCOMPARE(box.caption, AppTitle);
+        QVERIFY(!f->View(index)->backupsShown);
     }
 
     void findSingleOccurrenceWithFindNext()
@@ -250,6 +298,10 @@ private slots:
             << "X AB AB" << "AB" << 0 << 1 << 0 << QList<int>{1} << QList<int>{2, 5, 2} << 1;
         QTest::newRow("up from the end: later match first")
             << "FOO x FOO y" << "FOO" << 0 << 0 << 11 << QList<int>{0} << QList<int>{6, 0, 0} << 1;
+        QTest::newRow("up: a match just before the caret is passed over")
+            << "X X" << "X" << 0 << 0 << 3 << QList<int>{} << QList<int>{0} << 0;
+        QTest::newRow("up: wrap goes on from the end")
+            << "AB x" << "AB" << 0 << 0 << 0 << QList<int>{1} << QList<int>{0} << 1;
         QTest::newRow("declined wrap keeps the selection")
             << "AB" << "AB" << 0 << 1 << 0 << QList<int>{0} << QList<int>{0, 0} << 1;
         QTest::newRow("empty text asks at once, again after Yes")

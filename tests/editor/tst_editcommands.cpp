@@ -314,6 +314,9 @@ private slots:
         measured = 90;
         QVERIFY(tracker.Changed(200, 1, 0, measure)); // typed after a caret jump
         QCOMPARE(tracker.LineLength(), 90);
+        measured = 101;
+        QVERIFY(tracker.Changed(200, 0, 1, measure, true)); // Delete joining two lines
+        QCOMPARE(tracker.LineLength(), 101);
     }
 };
 

@@ -1,10 +1,13 @@
 // The editor pool's windows and files, driven through in-memory windows.
 #include "FakeEditorView.h"
 #include "app/IniFile.h"
+#include "editor/FileFilters.h"
 #include "editor/RecentFiles.h"
 #include "editor/SourceFile.h"
 #include <QtTest>
+#include <functional>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace kvr;
@@ -22,26 +25,25 @@ QByteArray Lines(int count, int length, char fill = 'A')
     return bytes;
 }
 
-// While alive, file permissions apply to this process even when it runs as
-// root: the effective user becomes "nobody".
-class AsUnprivileged {
-public:
-    AsUnprivileged() : m_was(geteuid())
-    {
-        if (m_was == 0)
-            m_ok = seteuid(65534) == 0;
+// Runs `work` in a child process that, when the test runs as root, is
+// "nobody" through and through (real and effective ids: the system's
+// access() check goes by the real one), so file permissions apply. The
+// child's answer is its exit code; -1 when it did not end normally.
+int InChildAsNobody(const std::function<int()> &work)
+{
+    const pid_t pid = ::fork();
+    if (pid < 0)
+        return -1;
+    if (pid == 0) {
+        if (::getuid() == 0 && (::setgid(65534) != 0 || ::setuid(65534) != 0))
+            ::_exit(100);
+        ::_exit(work());
     }
-    ~AsUnprivileged()
-    {
-        if (m_was == 0 && m_ok)
-            (void)seteuid(0);
-    }
-    bool Dropped() const { return m_was != 0 || m_ok; }
-
-private:
-    uid_t m_was;
-    bool m_ok = true;
-};
+    int status = 0;
+    if (::waitpid(pid, &status, 0) != pid || !WIFEXITED(status))
+        return -1;
+    return WEXITSTATUS(status);
+}
 } // namespace
 
 class TestEditorFiles : public QObject {
@@ -72,6 +74,21 @@ private slots:
         QCOMPARE(f->View(2)->placedAt, 2);
         QCOMPARE(f->pool->FileNew(), 4);
         QCOMPARE(f->pool->UpperBound(), 4);
+    }
+
+    // Shift+Tab: the next open window in slot order, wrapping to the first.
+    void nextEditorSkipsClosedSlotsAndWraps()
+    {
+        for (int i = 0; i < 4; ++i)
+            f->pool->FileNew();
+        QVERIFY(f->View(2)->Close());
+        QVERIFY(f->View(4)->Close());
+        f->pool->ActivateNext(1);
+        QCOMPARE(f->pool->ActiveIndex(), 3);
+        const int activations = f->View(1)->activations;
+        f->pool->ActivateNext(3);
+        QCOMPARE(f->pool->ActiveIndex(), 1);
+        QCOMPARE(f->View(1)->activations, activations + 1);
     }
 
     void newWindowIsAnnounced()
@@ -165,6 +182,116 @@ private slots:
         QFETCH(QByteArray, content);
         const int index = Load(QStringLiteral("N.KVR"), content);
         QTEST(f->pool->Text(index), "text");
+    }
+
+    // Lines come from the file in pieces: a line end split between two
+    // pieces is one line end, and a line longer than a window is kept only
+    // as far as the window could show it.
+    void lineReader_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QStringList>("trimmed");
+        QTest::addColumn<QList<qsizetype>>("lengths");
+        const QString a65535(65535, QLatin1Char('A'));
+        QTest::newRow("CR LF split between pieces")
+            << QByteArray(65535, 'A') + "\r\nY" << QStringList{a65535, QStringLiteral("Y")}
+            << QList<qsizetype>{65535, 1};
+        QTest::newRow("CR as the last byte") << QByteArray("A\r") << QStringList{QStringLiteral("A")}
+                                             << QList<qsizetype>{1};
+        QTest::newRow("blanks past the kept part go")
+            << "X" + QByteArray(70000, ' ') + "\nY" << QStringList{QStringLiteral("X"), QStringLiteral("Y")}
+            << QList<qsizetype>{70001, 1};
+        QTest::newRow("a character past the kept part keeps the blanks")
+            << "X" + QByteArray(70000, ' ') + "Z"
+            << QStringList{QStringLiteral("X") + QString(65535, QLatin1Char(' '))}
+            << QList<qsizetype>{70002};
+        QTest::newRow("one endless line") << QByteArray(3'000'000, '\x90')
+                                          << QStringList{QString(65536, QChar(0x90))}
+                                          << QList<qsizetype>{3'000'000};
+    }
+    void lineReader()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QStringList, trimmed);
+        QFETCH(QList<qsizetype>, lengths);
+        const QString path = f->File(QStringLiteral("LINES.KVR"));
+        WriteAll(path, content);
+        SourceLineReader reader;
+        QVERIFY(reader.Open(path).ok);
+        QStringList gotTrimmed;
+        QList<qsizetype> gotLengths;
+        SourceLine line;
+        while (reader.Next(line)) {
+            QVERIFY(line.text.size() <= 65536);
+            gotTrimmed << line.Trimmed();
+            gotLengths << line.length;
+        }
+        QCOMPARE(gotTrimmed, trimmed);
+        QCOMPARE(gotLengths, lengths);
+    }
+
+    // A file that is no source at all: one box for its one long line (its
+    // start shown), the cut and its box, a window of 65,535 characters.
+    void binaryFileIsCut()
+    {
+        const int index = Load(QStringLiteral("IMAGE.KVR"), QByteArray(5'000'000, '\x01'));
+        QCOMPARE(f->pool->Text(index), QString(65535, QChar(1)));
+        QCOMPARE(f->prompts.shown.size(), 2);
+        QCOMPARE(f->prompts.shown[0].text,
+                 LongLineBox + QString(1000, QChar(1)) + QStringLiteral("..."));
+        QCOMPARE(f->prompts.shown[1].icon, PromptIcon::Critical);
+    }
+
+    // Names that are not plain files: nothing is read and no window stays.
+    void specialFilesAreNotLoaded_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("a folder") << QString();
+        QTest::newRow("a device that never ends") << QStringLiteral("/dev/zero");
+        QTest::newRow("a pipe") << QStringLiteral("fifo");
+    }
+    void specialFilesAreNotLoaded()
+    {
+        QFETCH(QString, path);
+        if (path.isEmpty())
+            path = f->dir.path();
+        if (path == QLatin1String("fifo")) {
+            path = f->File(QStringLiteral("PIPE.KVR"));
+            QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        }
+        f->pool->OpenFile(path);
+        QVERIFY(f->pool->OpenIndexes().isEmpty());
+        QCOMPARE(f->prompts.MessageTexts(), QStringList{QStringLiteral("Can't open file: ") + LogicalName(path)});
+    }
+
+    void colourDialogs_data()
+    {
+        QTest::addColumn<bool>("foreground");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("background") << false << "Source code background color";
+        QTest::newRow("foreground") << true << "Source code foreground color";
+    }
+    void colourDialogs()
+    {
+        QFETCH(bool, foreground);
+        const int index = f->pool->FileNew();
+        const int refreshes = f->View(index)->refreshes;
+        const QColor before = f->pool->EditorColor(foreground);
+        const QColor other = f->pool->EditorColor(!foreground);
+        f->pool->ChooseEditorColor(foreground); // cancelled: nothing changes
+        QCOMPARE(f->pool->EditorColor(foreground), before);
+        f->prompts.colors.enqueue(QColor(10, 20, 30));
+        f->pool->ChooseEditorColor(foreground);
+        QCOMPARE(f->prompts.shown.size(), 2);
+        QCOMPARE(f->prompts.shown[1].kind, QStringLiteral("color"));
+        QTEST(f->prompts.shown[1].caption, "title");
+        QCOMPARE(f->prompts.shown[1].text, before.name());
+        QCOMPARE(f->pool->EditorColor(foreground), QColor(10, 20, 30));
+        QCOMPARE(f->pool->EditorColor(!foreground), other);
+        QVERIFY(f->View(index)->refreshes > refreshes);
+        Settings written;
+        ReadSettings(written, f->context->paths.SettingsFile(), f->context->paths.WindowsFolder());
+        QCOMPARE(written.Color(ColorWindow::Editor, foreground), QColor(10, 20, 30));
     }
 
     void saveBytes_data()
@@ -277,6 +404,72 @@ private slots:
         QCOMPARE(ReadRecentFiles(f->context->paths.SettingsFile()).first(), f->pool->Caption(index));
     }
 
+    // Each file dialog's title and file types; a cancelled one does nothing.
+    void fileDialogs_data()
+    {
+        QTest::addColumn<int>("command");
+        QTest::addColumn<QString>("title"); // "%1" stands for the window's caption
+        QTest::addColumn<QString>("filter");
+        QTest::newRow("Open") << 0 << "Source file" << SourceFileFilter;
+        QTest::newRow("Delete") << 1 << "File to delete" << SourceFileFilter;
+        QTest::newRow("Insert file") << 2 << "Insert file" << InsertFileFilter;
+        QTest::newRow("Save As of a named window") << 3 << "Save %1 as" << SourceFileFilter;
+    }
+    void fileDialogs()
+    {
+        QFETCH(int, command);
+        QFETCH(QString, title);
+        QFETCH(QString, filter);
+        const QString path = f->File(QStringLiteral("Named.kvr"));
+        const int index = Load(QStringLiteral("Named.kvr"), "X\r\n");
+        f->prompts.Clear();
+        switch (command) {
+        case 0: f->pool->FileOpenDialog(); break;
+        case 1: f->pool->FileDelete(); break;
+        case 2: f->pool->InsertFile(index); break;
+        default: QVERIFY(!f->pool->SaveAs(index)); break;
+        }
+        QCOMPARE(f->prompts.shown.size(), 1);
+        QCOMPARE(f->prompts.shown[0].caption, title.replace(QLatin1String("%1"), f->pool->Caption(index)));
+        QCOMPARE(f->prompts.shown[0].text, QtFilter(filter));
+        if (command == 3) // pre-set to the file itself
+            QCOMPARE(f->prompts.shown[0].items, QStringList{path});
+        QCOMPARE(f->pool->OpenIndexes(), QList<int>{index});
+        QCOMPARE(f->pool->Text(index), QStringLiteral("X\r\n"));
+        QVERIFY(QFile::exists(path));
+    }
+
+    void externalEditor()
+    {
+        const QString before = f->context->settings.externalEditor;
+        f->pool->ChooseExternalEditor(); // cancelled
+        QCOMPARE(f->context->settings.externalEditor, before);
+        QCOMPARE(f->prompts.shown[0].caption, QStringLiteral("External editor"));
+        QCOMPARE(f->prompts.shown[0].text,
+                 QtFilter(QStringLiteral("EXE files (*.exe)|*.exe|COM files (*.com)|*.com|All files (*.*)|*.*")));
+
+        const QString missing = f->File(QStringLiteral("NOSUCH.EXE"));
+        f->prompts.fileNames.enqueue(missing);
+        f->pool->ChooseExternalEditor();
+        QCOMPARE(f->context->settings.externalEditor, missing);
+        Settings written;
+        ReadSettings(written, f->context->paths.SettingsFile(), f->context->paths.WindowsFolder());
+        QCOMPARE(written.externalEditor, missing);
+        f->prompts.Clear();
+        f->pool->StartExternalEditor();
+        QCOMPARE(f->prompts.MessageTexts(),
+                 QStringList{QStringLiteral("Editor program ") + missing
+                             + QStringLiteral(" not found.\r\nSelect using editor window options menu.")});
+        QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Exclamation);
+
+        const QString present = QStandardPaths::findExecutable(QStringLiteral("true"));
+        QVERIFY(!present.isEmpty());
+        f->context->settings.externalEditor = present;
+        f->prompts.Clear();
+        f->pool->StartExternalEditor();
+        QVERIFY(f->prompts.shown.isEmpty());
+    }
+
     void saveAsCancelledChangesNothing()
     {
         const int index = f->pool->FileNew();
@@ -286,8 +479,15 @@ private slots:
         QVERIFY(f->pool->FState(index).Dirty);
     }
 
+    void failedSaveToReadOnlyFolderKeepsOldFile_data()
+    {
+        QTest::addColumn<bool>("readOnlyFile");
+        QTest::newRow("read-only folder") << false;
+        QTest::newRow("read-only file in a writable folder") << true;
+    }
     void failedSaveToReadOnlyFolderKeepsOldFile()
     {
+        QFETCH(bool, readOnlyFile);
         const QString folder = f->File(QStringLiteral("ro"));
         QDir().mkpath(folder);
         const QString path = folder + QStringLiteral("/KEEP.KVR");
@@ -297,24 +497,27 @@ private slots:
         f->View(index)->Type(QStringLiteral("NEW "));
         const QString caption = f->pool->Caption(index);
         ::chmod(QFile::encodeName(f->dir.path()).constData(), 0755);
-        ::chmod(QFile::encodeName(folder).constData(), 0555);
+        ::chmod(QFile::encodeName(folder).constData(), readOnlyFile ? 0777 : 0555);
+        if (readOnlyFile)
+            ::chmod(QFile::encodeName(path).constData(), 0444);
         f->prompts.Clear();
-        bool saved = true;
-        {
-            AsUnprivileged drop;
-            QVERIFY(drop.Dropped());
-            saved = f->pool->SaveFile(caption, index, false);
-        }
+        const QString expected = QStringLiteral("Can't write file ") + caption
+            + QStringLiteral(", it may be write-protected or not a legal file name.");
+        // 0: refused with the information box, the window as it was.
+        const int outcome = InChildAsNobody([&] {
+            if (f->pool->SaveFile(caption, index, false))
+                return 1;
+            if (!f->pool->FState(index).Dirty || f->pool->Caption(index) != caption)
+                return 2;
+            if (f->prompts.shown.size() != 1 || f->prompts.shown[0].icon != PromptIcon::Information)
+                return 3;
+            return f->prompts.shown[0].text == expected ? 0 : 4;
+        });
         ::chmod(QFile::encodeName(folder).constData(), 0755);
-        QVERIFY(!saved);
+        ::chmod(QFile::encodeName(path).constData(), 0644);
+        QCOMPARE(outcome, 0);
         QCOMPARE(ReadAll(path), QByteArray("OLD\r\n"));
-        QVERIFY(f->pool->FState(index).Dirty);
-        QCOMPARE(f->pool->Caption(index), caption);
-        QCOMPARE(f->prompts.shown.size(), 1);
-        QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Information);
-        QCOMPARE(f->prompts.shown[0].text,
-                 QStringLiteral("Can't write file ") + caption
-                     + QStringLiteral(", it may be write-protected or not a legal file name."));
+        QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("KEEP.KVR")});
     }
 
     void failedSaveOnFullDiskKeepsOldFile()
@@ -405,16 +608,25 @@ private slots:
     void insertFile_data()
     {
         QTest::addColumn<bool>("exists");
+        QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QString>("text");
-        QTest::newRow("inserted at the caret, line ends as CR LF") << true << "AB1\r\n2\r\nCD";
-        QTest::newRow("missing file") << false << "ABCD";
+        QTest::addColumn<bool>("tooLong");
+        QTest::newRow("inserted at the caret, line ends as CR LF")
+            << true << QByteArray("1\n2\r\n") << "AB1\r\n2\r\nCD" << false;
+        QTest::newRow("missing file") << false << QByteArray() << "ABCD" << false;
+        QTest::newRow("more bytes than a window holds")
+            << true << QByteArray(70000, '\0') << "ABCD" << true;
+        QTest::newRow("fits as bytes, not with CR LF line ends")
+            << true << QByteArray("1\n").repeated(30000) << "ABCD" << true;
     }
     void insertFile()
     {
         QFETCH(bool, exists);
+        QFETCH(QByteArray, content);
+        QFETCH(bool, tooLong);
         const QString path = f->File(QStringLiteral("INS.TXT"));
         if (exists)
-            WriteAll(path, "1\n2\r\n");
+            WriteAll(path, content);
         const int index = f->pool->FileNew();
         f->View(index)->SetText(QStringLiteral("ABCD"));
         f->View(index)->Select(2, 0);
@@ -422,7 +634,11 @@ private slots:
         f->pool->InsertFile(index);
         QCOMPARE(f->prompts.shown[0].caption, QStringLiteral("Insert file"));
         QTEST(f->pool->Text(index), "text");
-        QCOMPARE(f->pool->FState(index).Dirty, exists);
+        QCOMPARE(f->pool->FState(index).Dirty, exists && !tooLong);
+        if (tooLong)
+            QCOMPARE(f->prompts.MessageTexts(),
+                     QStringList{QStringLiteral("The source text in this window is too long for "
+                                                "this operation")});
         if (!exists)
             QCOMPARE(f->prompts.MessageTexts(), QStringList{QStringLiteral("Can't open file: ") + path});
     }

@@ -13,8 +13,10 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QtTest>
 
@@ -89,9 +91,30 @@ private slots:
         QCOMPARE(compile->title(), QStringLiteral("&Compile"));
         QVERIFY(compile->actions().isEmpty());
         QVERIFY(window->findChild<SourceEdit *>(QStringLiteral("Text1")));
-        for (const char *name : {"mnuFSave", "mnuFBackup", "mnuFRestore", "mnuEInvert", "mnuETime",
-                                 "mnuEFind", "mnuEFindnext", "mnuOTInt", "mnuO4", "mnuRecentFile(8)"})
+        for (const char *name :
+             {"mnuFNew", "mnuFOpen", "mnuFSave", "mnuFSaveAs", "mnuFClose", "mnuFDelete", "mnuFExit",
+              "mnuFInsert", "mnuFBackup", "mnuFRestore", "mnuFExtEditor", "mnuECopy", "mnuECut",
+              "mnuEPaste", "mnuEInvert", "mnuEDelete", "mnuESelectAll", "mnuETime", "mnuEFind",
+              "mnuEFindnext", "mnuOCBackground", "mnuOCForeground", "mnuOFont", "mnuOExtEditor",
+              "mnuRecentFile(0)", "mnuRecentFile(8)"})
             QVERIFY2(window->findChild<QAction *>(QString::fromLatin1(name)), name);
+        for (const char *name : {"fraBackups", "lstBackups", "cmdOK", "cmdCancel"})
+            QVERIFY2(window->findChild<QWidget *>(QString::fromLatin1(name)), name);
+        auto *tab = window->findChild<QMenu *>(QStringLiteral("mnuOTab"));
+        QVERIFY(tab);
+        QCOMPARE(tab->title(), QStringLiteral("&Use of TAB"));
+        const QList<QPair<QString, QString>> tabItems{{QStringLiteral("mnuOTInt"), QStringLiteral("&Tab to Interactive")},
+                                                      {QStringLiteral("mnuO2"), QStringLiteral("&2 spaces")},
+                                                      {QStringLiteral("mnuO3"), QStringLiteral("&3 spaces")},
+                                                      {QStringLiteral("mnuO4"), QStringLiteral("&4 spaces")}};
+        for (const auto &[name, caption] : tabItems) {
+            auto *item = tab->findChild<QAction *>(name);
+            if (!item) // actions belong to the window, not to the menu
+                item = window->findChild<QAction *>(name);
+            QVERIFY2(item, qPrintable(name));
+            QCOMPARE(item->text(), caption);
+            QVERIFY(tab->actions().contains(item));
+        }
     }
 
     void f2HaltsTheCompile()
@@ -120,6 +143,23 @@ private slots:
         QTRY_COMPARE(m_prompts->MessageTexts().size(), 2);
     }
 
+    // Delete before a line end joins two lines: the joined line is measured
+    // again, so a character typed into it past column 80 is still caught.
+    void deleteJoiningLinesIsMeasuredAgain()
+    {
+        const int index = NewWithText(QString(50, QLatin1Char('A')) + QStringLiteral("\r\n")
+                                      + QString(50, QLatin1Char('B')));
+        Window(index)->Select(50, 0);
+        QTest::keyClicks(Edit(index), QStringLiteral("X"));
+        QTest::keyClick(Edit(index), Qt::Key_Delete);
+        QCOMPARE(Pool().Text(index).size(), 101);
+        QTRY_COMPARE(m_prompts->MessageTexts().size(), 1);
+        QTest::keyClicks(Edit(index), QStringLiteral("Y"));
+        QTRY_COMPARE(m_prompts->MessageTexts().size(), 2);
+        QCOMPARE(m_prompts->MessageTexts().last(),
+                 QStringLiteral("Line too long. Shorten to 80 characters maximum."));
+    }
+
     void quietSettingSilencesTheBeep()
     {
         m_context->settings.quiet = QStringLiteral("ON");
@@ -137,29 +177,43 @@ private slots:
         QTest::addColumn<int>("key");
         QTest::addColumn<QString>("expected");
         QTest::addColumn<int>("caretAfter");
-        QTest::newRow("Tab in column 6") << "ABCDEF" << 6 << int(Qt::Key_Tab) << "ABCDEF  " << 8;
-        QTest::newRow("Tab in column 8") << "ABCDEFGH" << 8 << int(Qt::Key_Tab) << "ABCDEFGH    " << 12;
+        QTest::addColumn<int>("modifiers");
+        QTest::newRow("Tab in column 6") << "ABCDEF" << 6 << int(Qt::Key_Tab) << "ABCDEF  " << 8 << 0;
+        QTest::newRow("Tab in column 8") << "ABCDEFGH" << 8 << int(Qt::Key_Tab) << "ABCDEFGH    " << 12 << 0;
         QTest::newRow("Enter at the end repeats the indent")
-            << "    DUP" << 7 << int(Qt::Key_Return) << "    DUP\r\n    " << 13;
-        QTest::newRow("Enter in the middle splits") << "AB CD" << 2 << int(Qt::Key_Return) << "AB\r\n CD" << 4;
+            << "    DUP" << 7 << int(Qt::Key_Return) << "    DUP\r\n    " << 13 << 0;
+        QTest::newRow("Enter in the middle splits") << "AB CD" << 2 << int(Qt::Key_Return) << "AB\r\n CD" << 4 << 0;
         QTest::newRow("Down onto an empty line pads it")
-            << "0123456789AB\r\n\r\nZ" << 10 << int(Qt::Key_Down) << "0123456789AB\r\n          \r\nZ" << 24;
+            << "0123456789AB\r\n\r\nZ" << 10 << int(Qt::Key_Down) << "0123456789AB\r\n          \r\nZ" << 24 << 0;
         QTest::newRow("Delete before a line end takes CR LF") << "AB\r\nCD" << 2 << int(Qt::Key_Delete)
-                                                              << "ABCD" << 2;
-        QTest::newRow("Tab character never enters: control chars swallowed")
-            << "AB" << 1 << int(Qt::Key_Escape) << "AB" << 1;
+                                                              << "ABCD" << 2 << 0;
+        QTest::newRow("Tab character never enters: Alt+Tab swallowed")
+            << "AB" << 1 << int(Qt::Key_Tab) << "AB" << 1 << int(Qt::AltModifier);
     }
     void keys()
     {
         QFETCH(QString, text);
         QFETCH(int, caret);
         QFETCH(int, key);
+        QFETCH(int, modifiers);
         m_context->settings.tabSpaces = QStringLiteral("4");
         const int index = NewWithText(text);
         Window(index)->Select(caret, 0);
-        QTest::keyClick(Edit(index), static_cast<Qt::Key>(key));
+        QTest::keyClick(Edit(index), static_cast<Qt::Key>(key),
+                        Qt::KeyboardModifiers(modifiers));
         QTEST(Pool().Text(index), "expected");
         QTEST(Pool().SelStart(index), "caretAfter");
+    }
+
+    // Text composed by an input method keeps to the characters a key may type.
+    void composedTextIsFiltered()
+    {
+        const int index = NewWithText(QStringLiteral("AB"));
+        Window(index)->Select(1, 0);
+        QInputMethodEvent event;
+        event.setCommitString(QString::fromUtf8("\xc3\xa9\xe2\x82\xac\t\xc3\xbf-"));
+        QApplication::sendEvent(Edit(index), &event);
+        QCOMPARE(Pool().Text(index), QString::fromLatin1("A\xe9-B"));
     }
 
     void shortcutsReachTheWindowMenus()
@@ -206,6 +260,7 @@ private slots:
         const int b = NewWithText(QString());
         Window(a)->findChild<QAction *>(QStringLiteral("mnuO3"))->trigger();
         QCOMPARE(m_context->settings.tabSpaces, QStringLiteral("3"));
+        QVERIFY(ReadAll(m_context->paths.SettingsFile()).contains("Source window TAB spaces=3"));
         QVERIFY(Window(b)->findChild<QAction *>(QStringLiteral("mnuO3"))->isChecked());
         QVERIFY(!Window(b)->findChild<QAction *>(QStringLiteral("mnuOTInt"))->isChecked());
     }
@@ -218,6 +273,23 @@ private slots:
         QCOMPARE(Pool().Text(index), QStringLiteral("abc dUP\r\nX"));
         QCOMPARE(Pool().SelStart(index), 4);
         QCOMPARE(Pool().SelLength(index), 6);
+    }
+
+    // Invert acts on the text box that has the focus, but never changes
+    // one that is read-only (a report, the terminal).
+    void invertCaseLeavesReadOnlyBoxesAlone()
+    {
+        const int index = NewWithText(QStringLiteral("abc"));
+        auto *report = new QPlainTextEdit(QStringLiteral("report"));
+        report->setReadOnly(true);
+        m_area->addSubWindow(report)->show();
+        m_area->setActiveSubWindow(m_area->subWindowList().last());
+        report->selectAll();
+        report->setFocus();
+        QTRY_COMPARE(QApplication::focusWidget(), report);
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEInvert"))->trigger();
+        QCOMPARE(report->toPlainText(), QStringLiteral("report"));
+        QCOMPARE(Pool().Text(index), QStringLiteral("abc"));
     }
 
     void pasteTooLongIsRefused()
@@ -254,6 +326,25 @@ private slots:
         QVERIFY(!Pool().FState(index).Dirty);
     }
 
+    // A file that is no source: control bytes (NUL included) load into the
+    // real text box and are written back as they were.
+    void controlBytesSurviveTheRealWindow()
+    {
+        QByteArray original;
+        for (int b = 0; b < 32; ++b)
+            if (b != '\r' && b != '\n')
+                original += static_cast<char>(b);
+        original += "\r\n";
+        original += original;
+        const QString path = m_dir.filePath(QStringLiteral("CTRL.KVR"));
+        WriteAll(path, original);
+        Pool().OpenFile(path);
+        const int index = Pool().ActiveIndex();
+        QCOMPARE(Pool().Text(index).size(), original.size());
+        QVERIFY(Pool().Save(index));
+        QCOMPARE(ReadAll(path), original);
+    }
+
     void findDialog()
     {
         const int index = NewWithText(QStringLiteral("one two one"));
@@ -282,6 +373,18 @@ private slots:
         Window(index)->Select(5, 0);
         Window(index)->findChild<QAction *>(QStringLiteral("mnuEFindnext"))->trigger();
         QCOMPARE(Pool().SelStart(index), 8);
+
+        // Escape is Cancel too: the typed string and case are kept.
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEFind"))->trigger();
+        QTRY_COMPARE(m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).size(), 1);
+        find = m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).last();
+        text = find->findChild<QLineEdit *>(QStringLiteral("Text1"));
+        text->setText(QStringLiteral("Two"));
+        find->findChild<QCheckBox *>(QStringLiteral("chkCase"))->setChecked(true);
+        QTest::keyClick(text, Qt::Key_Escape);
+        QCOMPARE(Pool().Find().gFindString, QStringLiteral("Two"));
+        QCOMPARE(Pool().Find().gFindCase, 1);
+        QTRY_VERIFY(m_frame->findChildren<QDialog *>(QStringLiteral("frmFind")).isEmpty());
     }
 
     void recentFilesReachFrameAndWindows()

@@ -97,7 +97,6 @@ void frmMDI::ConnectOptionItems()
     connect(Item(QStringLiteral("mnuOCText")), &QAction::triggered, this, [this] { ChooseTerminalColor(true); });
     connect(Item(QStringLiteral("mnuOFont")), &QAction::triggered, this, &frmMDI::ChooseFont);
     connect(Item(QStringLiteral("mnuFExit")), &QAction::triggered, this, &QWidget::close);
-    connect(Item(QStringLiteral("mnuFExtEditor")), &QAction::triggered, this, &frmMDI::StartExternalEditor);
     connect(Item(QStringLiteral("mnuFShell")), &QAction::triggered, this, &frmMDI::StartShell);
     connect(Item(QStringLiteral("mnuWCascade")), &QAction::triggered, m_mdi, &QMdiArea::cascadeSubWindows);
     connect(Item(QStringLiteral("mnuWHorizontal")), &QAction::triggered, this,
@@ -177,20 +176,6 @@ void frmMDI::ShowComputerDialog()
     emit ComputerChanged();
     UpdateCaption();
     UpdateMenuState();
-}
-
-void frmMDI::StartExternalEditor()
-{
-    QString editor = m_context.settings.externalEditor;
-    // The Windows default names Notepad; here the desktop's own text editor stands in.
-    if (editor.endsWith(QLatin1String("NOTEPAD.EXE"), Qt::CaseInsensitive))
-        editor = QStringLiteral("xdg-open");
-    QStringList arguments;
-    if (m_context.settings.currentFile.left(8) != QLatin1String("Not Used"))
-        arguments << m_context.settings.currentFile;
-    if (!QProcess::startDetached(editor, arguments))
-        m_context.prompts.Message(QStringLiteral("Can't start the external editor ") + editor,
-                                  PromptIcon::Exclamation);
 }
 
 void frmMDI::StartShell()

@@ -55,7 +55,6 @@ private:
     void ChooseFont();
     void ShowDelayDialog();
     void ShowComputerDialog();
-    void StartExternalEditor();
     void StartShell();
     void ShowAbout();
     void ShowNotInstalled(const QString &what);

@@ -113,7 +113,8 @@ void frmStatus::ApplyColors()
 
 void frmStatus::ChooseBackgroundColor()
 {
-    const std::optional<QColor> chosen = m_context.prompts.Color(m_list->palette().color(QPalette::Base));
+    const std::optional<QColor> chosen = m_context.prompts.Color(m_list->palette().color(QPalette::Base),
+                                                                    QStringLiteral("Report background color"));
     if (!chosen)
         return;
     m_context.settings.SetColor(ColorWindow::StatusBox, false, *chosen);
@@ -123,7 +124,8 @@ void frmStatus::ChooseBackgroundColor()
 
 void frmStatus::ChooseTextColor()
 {
-    const std::optional<QColor> chosen = m_context.prompts.Color(m_list->palette().color(QPalette::Text));
+    const std::optional<QColor> chosen = m_context.prompts.Color(m_list->palette().color(QPalette::Text),
+                                                                    QStringLiteral("Report foreground color"));
     if (!chosen)
         return;
     m_context.settings.SetColor(ColorWindow::StatusBox, true, *chosen);

@@ -1,4 +1,5 @@
 #include "editor/ui/SourceEdit.h"
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
@@ -91,6 +92,7 @@ void SourceEdit::LoadText(const QString &crlfText)
     setPlainText(ToDocumentText(crlfText));
     m_loading = false;
     m_revision = document()->revision();
+    m_blockCount = document()->blockCount();
     moveCursor(QTextCursor::Start);
     m_tracker.Reset(0, textCursor().block().length() - 1);
 }
@@ -120,9 +122,12 @@ void SourceEdit::OnContentsChange(int position, int removed, int added)
     m_revision = document()->revision();
     const QTextCursor cursor = textCursor();
     const int caret = ModelPos(cursor.position());
-    const bool tooLong = m_tracker.Changed(caret, added, removed, [&] {
-        return document()->findBlock(cursor.position()).length() - 1;
-    });
+    const int blocks = document()->blockCount();
+    const bool tooLong = m_tracker.Changed(
+        caret, added, removed,
+        [&] { return document()->findBlock(cursor.position()).length() - 1; },
+        blocks != m_blockCount);
+    m_blockCount = blocks;
     emit Edited();
     if (tooLong)
         QMetaObject::invokeMethod(this, &SourceEdit::LineTooLong, Qt::QueuedConnection);
@@ -176,8 +181,10 @@ void SourceEdit::keyPressEvent(QKeyEvent *event)
         selectAll();
         return;
     }
+    // Ctrl combinations are shortcuts, never text; anything else that would
+    // type a character is checked (Alt+Tab still carries a Tab).
     const QString text = event->text();
-    if (!text.isEmpty() && !(mods & (Qt::ControlModifier | Qt::AltModifier))) {
+    if (!text.isEmpty() && !(mods & Qt::ControlModifier)) {
         for (const QChar c : text) {
             if (IsDiscardedChar(c.unicode()) && c.unicode() != 8 && c.unicode() != 13)
                 return;
@@ -204,6 +211,18 @@ void SourceEdit::paintEvent(QPaintEvent *event)
         + fontMetrics().horizontalAdvance(QString(MaxLineLength, QLatin1Char('M')));
     painter.setPen(m_guideColor);
     painter.drawLine(QPointF(x, 0), QPointF(x, viewport()->height()));
+}
+
+void SourceEdit::inputMethodEvent(QInputMethodEvent *event)
+{
+    // Composed text obeys the same rules as typed characters.
+    QString commit = event->commitString();
+    commit.removeIf([](QChar c) { return IsDiscardedChar(c.unicode()) || c.unicode() == 8 || c.unicode() == 13; });
+    if (!commit.isEmpty() && !Fits(SelLength(), static_cast<int>(commit.size())))
+        commit.clear();
+    if (commit != event->commitString())
+        event->setCommitString(commit, event->replacementStart(), event->replacementLength());
+    QPlainTextEdit::inputMethodEvent(event);
 }
 
 void SourceEdit::insertFromMimeData(const QMimeData *source)

@@ -44,6 +44,7 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
 
 private:
     void OnContentsChange(int position, int removed, int added);
@@ -52,6 +53,7 @@ private:
     LineTracker m_tracker;
     bool m_loading = false;
     int m_revision = -1;
+    int m_blockCount = 1;
     int m_tabSpaces = 0;
     int m_wantedColumn = 0;
     QColor m_guideColor;

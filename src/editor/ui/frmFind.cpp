@@ -84,6 +84,16 @@ bool frmFind::eventFilter(QObject *watched, QEvent *event)
     return QDialog::eventFilter(watched, event);
 }
 
+void frmFind::keyPressEvent(QKeyEvent *event)
+{
+    // Escape is the Cancel button: what was typed is kept for Find next.
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        CancelClicked();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}
+
 void frmFind::FindClicked()
 {
     m_pool.FindFromDialog(m_text->text());

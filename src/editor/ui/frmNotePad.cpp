@@ -69,9 +69,7 @@ frmNotePad::frmNotePad(EditorPool &pool, int index, QWidget *parent)
     connect(m_text, &SourceEdit::Edited, this, [this] { m_pool.TextChanged(m_index); });
     connect(m_text, &SourceEdit::LineTooLong, this, [this] { m_pool.LineTooLong(); });
     connect(m_text, &SourceEdit::PasteTooLong, this, [this] {
-        m_pool.Context().prompts.Message(
-            QStringLiteral("The source text in this window is too long for this operation"),
-            PromptIcon::Information);
+        m_pool.Context().prompts.Message(TooLongForOperation(), PromptIcon::Information);
     });
     connect(m_text, &SourceEdit::TabToTerminal, &m_pool, &EditorPool::TabPressedWithoutSpaces);
     connect(m_text, &SourceEdit::NextEditor, this, [this] { m_pool.ActivateNext(m_index); });
@@ -114,6 +112,8 @@ void frmNotePad::BuildMenus()
     connect(AddAction(file, QStringLiteral("mnuFClose"), tr("&Close"),
                       QKeySequence(Qt::CTRL | Qt::Key_F4)), &QAction::triggered, this,
             [this] { Close(); });
+    connect(AddAction(file, QStringLiteral("mnuFExtEditor"), tr("&External editor")),
+            &QAction::triggered, &m_pool, &EditorPool::StartExternalEditor);
     file->addSeparator();
     connect(AddAction(file, QStringLiteral("mnuFInsert"), tr("&Insert file...")),
             &QAction::triggered, this, [this] { m_pool.InsertFile(m_index); });
@@ -194,6 +194,8 @@ void frmNotePad::BuildMenus()
             &QAction::triggered, this, [this] { m_pool.ChooseEditorColor(true); });
     connect(AddAction(options, QStringLiteral("mnuOFont"), tr("F&ont...")), &QAction::triggered,
             &m_pool, &EditorPool::ChooseEditorFont);
+    connect(AddAction(options, QStringLiteral("mnuOExtEditor"), tr("&External editor...")),
+            &QAction::triggered, &m_pool, &EditorPool::ChooseExternalEditor);
 
     // Filled by the compiler when the window is announced.
     QMenu *compile = menuBar()->addMenu(tr("&Compile"));
@@ -376,7 +378,7 @@ void frmNotePad::InvertSelection()
 {
     QWidget *target = ClipboardTarget();
     if (auto *line = qobject_cast<QLineEdit *>(target)) {
-        if (!line->hasSelectedText())
+        if (!line->hasSelectedText() || line->isReadOnly())
             return;
         const int start = line->selectionStart();
         const QString inverted = InvertCase(line->selectedText());
@@ -386,6 +388,8 @@ void frmNotePad::InvertSelection()
     }
     if (target != m_text) {
         auto *text = qobject_cast<QPlainTextEdit *>(target);
+        if (text->isReadOnly()) // a report or the terminal: not ours to change
+            return;
         QTextCursor cursor = text->textCursor();
         const int start = cursor.selectionStart();
         const QString inverted = InvertCase(cursor.selectedText());

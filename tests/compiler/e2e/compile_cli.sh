@@ -162,6 +162,39 @@ expect_eq "$?" 4 "halted exit status"
 expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report"
 grep -q "^: W20000 " "$work/board.log" && fail "halt did not stop the compile"
 
+# --- a fresh settings folder: the delay is measured for the run, not saved
+fresh="$work/fresh"
+printf ': TINY 1 ;\r\n' > "$work/src/TINY.KVR"
+out=$("$BIN/kvr" --settings-dir "$fresh" compile "$work/src/TINY.KVR" --type 4410ANS --json \
+    --remote "127.0.0.1:$port" 2> "$work/err")
+expect_eq "$?" 0 "fresh settings exit status"
+echo "$out" | tail -n 1 | grep -Eq '"delay":[1-9][0-9]*[,}]' || fail "delay not measured: $out"
+[ -e "$fresh/KVR-PC.INI" ] && fail "a fresh settings file was written"
+out=$(kvr "$work/src/TINY.KVR" --json 2>/dev/null)
+echo "$out" | tail -n 1 | grep -q '"delay":0[,}]' || fail "a set delay was not kept: $out"
+"$BIN/kvr" --help | grep -q 'delay still "-1"' || fail "kvr --help does not explain the delay"
+
+# --- the board goes away in the middle of a compile
+"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/gone.log" > "$work/gone.out" 2> /dev/null &
+gone_pid=$!
+gone_port=""
+for _ in $(seq 1 200); do
+    gone_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/gone.out")
+    [ -n "$gone_port" ] && break
+    sleep 0.05
+done
+"$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$gone_port" \
+    > "$work/gone.report" 2> "$work/err" &
+kvr_pid=$!
+for _ in $(seq 1 400); do
+    [ "$(grep -c '^: W' "$work/gone.log" 2>/dev/null)" -gt 50 ] && break
+    sleep 0.02
+done
+kill "$gone_pid"; wait "$gone_pid" 2>/dev/null
+wait "$kvr_pid"
+expect_eq "$?" 2 "board gone exit status"
+expect_eq "$(tail -n 1 "$work/gone.report")" "KVR4410 NOT RESPONDING" "board gone report"
+
 # --- the same program over a serial port (a pseudo-terminal board)
 "$BIN/kvr-board" --pty --link "$work/ttyKVR" > "$work/pty.out" 2> "$work/pty.err" &
 pty_pid=$!
