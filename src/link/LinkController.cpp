@@ -3,6 +3,7 @@
 #include "link/StartupCommands.h"
 #include "link/TerminalHost.h"
 #include <QCoreApplication>
+#include <algorithm>
 #include <QTimer>
 
 namespace kvr {
@@ -85,6 +86,12 @@ void LinkController::ConnectRemote()
                                   : QStringLiteral("Remote KVR computer - not connected"));
     emit CaptionChanged();
     ClearAfterOpen();
+}
+
+void LinkController::ApplyBaudRate()
+{
+    if (!m_context.settings.IsTcpMode() && m_serial.IsUsable())
+        m_serial.SetBaudRate(static_cast<qint32>(std::clamp(Val(m_context.settings.baudRate), 0.0, 4.0e6)));
 }
 
 void LinkController::SelectPort(int n)

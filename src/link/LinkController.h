@@ -28,6 +28,8 @@ public:
     void ConnectRemote();
     // Switches to port n (0 = the TCP gateway), saving the choice.
     void SelectPort(int n);
+    // A new `Baud rate` setting takes effect on the open serial port at once.
+    void ApplyBaudRate();
 
     // The remote dialog's Connect: store address and port, connect, and
     // greet the board when the connection stands.

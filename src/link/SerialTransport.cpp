@@ -78,6 +78,11 @@ bool SerialTransport::Open(const QString &devicePath, qint32 baud)
     return true;
 }
 
+bool SerialTransport::SetBaudRate(qint32 baud)
+{
+    return m_port.isOpen() && baud > 0 && m_port.setBaudRate(baud);
+}
+
 bool SerialTransport::IsUsable() const
 {
     return m_port.isOpen();

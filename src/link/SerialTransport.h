@@ -20,6 +20,8 @@ public:
     // raise RTS. False with ErrorText() when the port can't be opened.
     bool Open(const QString &devicePath, qint32 baud);
     QString ErrorText() const { return m_errorText; }
+    // Changes the speed of the open port; false when the line refuses it.
+    bool SetBaudRate(qint32 baud);
     QString DevicePath() const { return m_devicePath; }
 
     bool IsUsable() const override;

@@ -99,6 +99,9 @@ void MainAssembly::InstallTerminal()
     m_frame.SetTcpConnectedProvider([&controller] { return controller.IsTcpConnected(); });
     connect(&controller, &LinkController::PortChanged, &m_frame, &frmMDI::UpdateTicks);
     connect(&controller, &LinkController::CaptionChanged, &m_frame, &frmMDI::UpdateCaption);
+    for (int i = 0; i < 8; ++i)
+        connect(m_frame.Item(frmMDI::ArrayName(QStringLiteral("mnuOBaudArray"), i)), &QAction::triggered,
+                &controller, &LinkController::ApplyBaudRate);
     connect(m_frame.Item(QStringLiteral("mnuFCapture")), &QAction::triggered, &terminal, &Terminal::ToggleCapture);
     connect(m_frame.Item(QStringLiteral("mnuZap")), &QAction::triggered, &terminal, &Terminal::Zap);
     connect(m_frame.Item(QStringLiteral("mnuOCapsLock")), &QAction::triggered, &terminal, &Terminal::ToggleCapsLock);

@@ -426,6 +426,29 @@ private slots:
         QCOMPARE(pty.ReadUntil("\r"), QByteArray("SLOW\r"));
     }
 
+    void baudChangeReachesTheOpenPort()
+    {
+        Pty pty;
+        QVERIFY(!pty.path.isEmpty());
+        Fixture f;
+        f.context.settings.serialDevices[QStringLiteral("COM7")] = pty.path;
+        f.controller.SelectPort(7);
+        QVERIFY(f.controller.Serial().IsUsable());
+        auto lineSpeed = [&] {
+            termios attributes{};
+            tcgetattr(pty.master, &attributes);
+            return cfgetospeed(&attributes);
+        };
+        QCOMPARE(lineSpeed(), speed_t(B9600));
+        f.context.settings.baudRate = QStringLiteral("38400");
+        f.controller.ApplyBaudRate();
+        QCOMPARE(lineSpeed(), speed_t(B38400));
+        f.context.settings.baudRate = QStringLiteral("garbage");
+        f.controller.ApplyBaudRate(); // refused: the line keeps its speed
+        QCOMPARE(lineSpeed(), speed_t(B38400));
+        QVERIFY(f.controller.Serial().IsUsable());
+    }
+
     void serialBoardThatStopsReadingIsNotUnplugged()
     {
         // A board that takes nothing in fills the line's buffers; that is
