@@ -157,26 +157,6 @@ void Terminal::ToggleCapsLock()
     m_context.WriteSettings();
 }
 
-void Terminal::ChooseBackgroundColor()
-{
-    const auto color = m_context.prompts.Color(m_context.settings.Color(ColorWindow::Emulator, false));
-    if (!color)
-        return;
-    m_context.settings.SetColor(ColorWindow::Emulator, false, *color);
-    m_context.WriteSettings();
-    emit ColorsChanged();
-}
-
-void Terminal::ChooseTextColor()
-{
-    const auto color = m_context.prompts.Color(m_context.settings.Color(ColorWindow::Emulator, true));
-    if (!color)
-        return;
-    m_context.settings.SetColor(ColorWindow::Emulator, true, *color);
-    m_context.WriteSettings();
-    emit ColorsChanged();
-}
-
 void Terminal::ShowSerialError()
 {
     m_serialErrorTicks = SerialErrorTicks;

@@ -51,8 +51,6 @@ public:
     // Flips `Caps Lock, ON or OFF` and saves it.
     void ToggleCapsLock();
     bool CapsLockOn() const { return m_context.settings.IsOn(m_context.settings.capsLock); }
-    void ChooseBackgroundColor();
-    void ChooseTextColor();
 
     bool InputTimerEnabled() const { return m_inputTimerEnabled; }
     bool CursorShown() const { return m_blink; }

@@ -335,19 +335,6 @@ private slots:
         QCOMPARE(test::ReadAll(path), QByteArray("before\r\n"));
         QCOMPARE(terminal.Screen().Text(0), QStringLiteral("before"));
     }
-
-    void colorsChosenAndSaved()
-    {
-        test::LinkFixture f;
-        Terminal terminal(f.context, f.link);
-        QSignalSpy colors(&terminal, &Terminal::ColorsChanged);
-        f.prompts.colors.enqueue(QColor(0, 0, 128));
-        terminal.ChooseBackgroundColor();
-        terminal.ChooseTextColor(); // cancelled
-        QCOMPARE(f.context.settings.Color(ColorWindow::Emulator, false), QColor(0, 0, 128));
-        QCOMPARE(f.context.settings.Color(ColorWindow::Emulator, true), QColor(255, 255, 255));
-        QCOMPARE(colors.size(), 1);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestTerminal)
