@@ -40,6 +40,9 @@ public:
 
     AppContext &Context() const { return m_context; }
     EditorView *Document(int index) const;
+    // The window, when it has a file name; otherwise says that `command`
+    // needs one and gives nullptr.
+    EditorView *NamedDocument(int index, const QString &command);
     FStateRecord FState(int index) const;
     int UpperBound() const { return static_cast<int>(m_document.size()) - 1; }
     int IndexOfCaption(const QString &caption) const;

@@ -18,18 +18,24 @@ QString TooLongForOperation()
     return QStringLiteral("The source text in this window is too long for this operation");
 }
 
-void EditorPool::Backup(int index)
+EditorView *EditorPool::NamedDocument(int index, const QString &command)
 {
     EditorView *view = Document(index);
+    if (view && IsUnnamed(view->Caption())) {
+        m_context.prompts.Message(QStringLiteral("Name the source file with 'Save As' before using '")
+                                      + command + QLatin1Char('\''),
+                                  PromptIcon::Information);
+        return nullptr;
+    }
+    return view;
+}
+
+void EditorPool::Backup(int index)
+{
+    EditorView *view = NamedDocument(index, QStringLiteral("Backup"));
     if (!view)
         return;
     const QString caption = view->Caption();
-    if (IsUnnamed(caption)) {
-        m_context.prompts.Message(
-            QStringLiteral("Name the source file with 'Save As' before using 'Backup'"),
-            PromptIcon::Information);
-        return;
-    }
     if (view->Text().isEmpty()) {
         m_context.prompts.Message(QStringLiteral("This source window has no text"),
                                   PromptIcon::Exclamation);
@@ -66,16 +72,10 @@ void EditorPool::Backup(int index)
 
 void EditorPool::Restore(int index)
 {
-    EditorView *view = Document(index);
+    EditorView *view = NamedDocument(index, QStringLiteral("Restore"));
     if (!view)
         return;
     const QString caption = view->Caption();
-    if (IsUnnamed(caption)) {
-        m_context.prompts.Message(
-            QStringLiteral("Name the source file with 'Save As' before using 'Restore'"),
-            PromptIcon::Information);
-        return;
-    }
     BackupScan scan;
     QStringList names;
     {
