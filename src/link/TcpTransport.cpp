@@ -89,12 +89,20 @@ void TcpTransport::BeforeCount()
 
 void TcpTransport::Poll()
 {
+    // Take what the system holds now, not only what the event loop has
+    // delivered: ClearInput after a busy Pause must really empty the line,
+    // or the next reply awaited is the one that was meant to be dropped.
+    if (IsUsable())
+        m_client.waitForReadyRead(0);
     if (m_client.bytesAvailable() > 0)
         m_received += m_client.readAll();
 }
 
-void TcpTransport::OnClientError(QAbstractSocket::SocketError)
+void TcpTransport::OnClientError(QAbstractSocket::SocketError error)
 {
+    // A poll that found nothing is not a fault of the link.
+    if (error == QAbstractSocket::SocketTimeoutError)
+        return;
     const QString description = m_client.errorString();
     const bool wasConnected = m_wasConnected;
     m_wasConnected = false;

@@ -182,6 +182,29 @@ private slots:
         QTRY_COMPARE((f.terminal.Tick(), f.terminal.Screen().ScreenText()), QStringLiteral("hello\nworld"));
     }
 
+    // The start-up wake-up: a reply that arrived during a busy pause is
+    // dropped by ClearInput even though no event was processed meanwhile.
+    void clearInputTakesWhatTheSystemHolds()
+    {
+        Fixture f;
+        f.ListenBoth();
+        f.controller.SelectPort(0);
+        QVERIFY(f.AcceptPeer());
+        f.peer->write("  ok\r\n");
+        QVERIFY(f.peer->waitForBytesWritten(2000));
+        f.link.Pause(0.1);
+        f.link.ClearInput();
+        f.peer->write("wanted\r\n");
+        QVERIFY(f.peer->waitForBytesWritten(2000));
+        QByteArray got;
+        QDeadlineTimer deadline(3000);
+        while (!got.endsWith("\n") && !deadline.hasExpired())
+            if (f.link.BytesAvailable() > 0)
+                got += f.link.ReadBytes();
+        QCOMPARE(got, QByteArray("wanted\r\n"));
+        QCOMPARE(f.prompts.MessageTexts().size(), 1); // only "Connected to ..."
+    }
+
     void heartbeatRefusedWhileDataStaysUp()
     {
         Fixture f;
