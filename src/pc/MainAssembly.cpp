@@ -9,6 +9,7 @@
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
 #include <QMdiArea>
+#include <algorithm>
 #include <QMdiSubWindow>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -195,11 +196,23 @@ void MainAssembly::ShowOpeningDialogue()
             open->trigger();
 }
 
+void MainAssembly::PlaceTerminal()
+{
+    // Bottom right, so the first editor window (top left) stays in view.
+    const QRect area = m_frame.MdiArea()->viewport()->rect();
+    for (QMdiSubWindow *window : m_frame.MdiArea()->subWindowList())
+        if (window->widget() == m_terminal) {
+            const QSize size = window->size().boundedTo(area.size());
+            window->move(std::max(0, area.width() - size.width()), std::max(0, area.height() - size.height()));
+        }
+}
+
 void MainAssembly::Start()
 {
     // The terminal's load handler opens the configured link first.
     m_terminal->Load();
     OpenFirstEditorWindow();
+    PlaceTerminal();
     PaintBeforeBlocking(m_frame);
     if (!m_commandLine.simulatorHost.isEmpty())
         ConnectToBoard();

@@ -35,6 +35,7 @@ private:
     void InstallTerminal();
     void InstallCompiler();
     void OpenFirstEditorWindow();
+    void PlaceTerminal();
     void ShowOpeningDialogue();
     void SwitchPort(int port);
     void ConnectToBoard();

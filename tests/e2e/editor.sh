@@ -19,21 +19,24 @@ frame=$(wait_window 20 '^KVR-PC for Windows - .* - connected$')
 ini="$SETTINGS_DIR/KVR-PC.INI"
 wait_until 10 grep -qF "RecentFile1=$logical" "$ini" || fail "file not opened: $(cat "$ini")"
 
-# The editor (yellow by default) is the first child window, at the top left
-# of the frame's client area; the terminal comes forward after start-up.
-# Tab in the terminal hands the keyboard to the editor.
+# The editor is the first child window, at the top left of the frame's
+# client area; the terminal (bottom right) comes forward after start-up.
+# The active child window's title bar is drawn in the highlight colour, so
+# the editor is active when its title bar is blue.
 read -r fx fy < <(xdotool getwindowgeometry --shell "$frame" | awk -F= '/^X=/{x=$2} /^Y=/{y=$2} END{print x, y}')
-editor_in_front() {
-    import -window root -crop "1x1+$((fx + 400))+$((fy + 300))" txt:- 2>/dev/null | grep -Eq 'yellow|\(255,255,0\)'
+editor_active() {
+    import -window root -crop "1x60+$((fx + 300))+$((fy + 10))" txt:- 2>/dev/null \
+        | grep -oE '\([0-9]+,[0-9]+,[0-9]+' | tr -d '(' \
+        | awk -F, '$3 > $1 + 60 { found = 1 } END { exit !found }'
 }
 bring_editor() {
-    editor_in_front && return 0
-    keys "$frame" Tab
-    wait_until 2 editor_in_front
+    editor_active && return 0
+    xdotool mousemove $((fx + 200)) $((fy + 200)) click 1
+    wait_until 2 editor_active
 }
-terminal_in_front() { ! editor_in_front; }
 # Start-up ends with the board's greeting line and the terminal in front.
 wait_until 20 grep -q 'START' "$E2E_DIR/board.log" || fail "start-up line not received"
+terminal_in_front() { ! editor_active; }
 wait_until 10 terminal_in_front || fail "terminal not brought forward after start-up"
 wait_until 20 bring_editor || fail "editor window not brought forward"
 screenshot opened

@@ -5,6 +5,8 @@
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmDelay.h"
 #include <QCloseEvent>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QFileInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -21,7 +23,11 @@ frmMDI::frmMDI(AppContext &context, QWidget *parent) : QMainWindow(parent), m_co
     m_mdi = new QMdiArea(this);
     m_mdi->setObjectName(QStringLiteral("MdiArea"));
     setCentralWidget(m_mdi);
-    resize(1000, 720);
+    // Room for an editor and the terminal side by side where the screen allows.
+    QSize size(1200, 860);
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        size = size.boundedTo(screen->availableSize() * 0.92);
+    resize(size);
     BuildMenus();
     ConnectOptionItems();
     UpdateTicks();
