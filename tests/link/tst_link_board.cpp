@@ -1,63 +1,21 @@
 // The product's own link against the simulated board, over TCP and over the
 // board's pseudo-terminal: what a user types reaches the board and its reply
 // lands in the terminal's screen buffer.
+#include "BoardRunner.h"
 #include "app/AppContext.h"
 #include "app/ScriptedPrompts.h"
 #include "link/LinkController.h"
 #include "link/StartupCommands.h"
 #include "link/Terminal.h"
 #include <QDeadlineTimer>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <csignal>
 
 using namespace kvr;
 
 namespace {
-
-// kvr-board as a child process; reads where it listens from its output.
-struct Board {
-    QProcess process;
-    quint16 port = 0;
-    quint16 heartbeatPort = 0;
-    QString ptyPath;
-
-    bool Start(const QStringList &arguments)
-    {
-        process.start(qEnvironmentVariable("KVR_BIN_DIR") + QStringLiteral("/kvr-board"), arguments);
-        QDeadlineTimer deadline(15000);
-        QByteArray out, err;
-        while (!deadline.hasExpired() && process.state() != QProcess::NotRunning) {
-            process.waitForReadyRead(100);
-            out += process.readAllStandardOutput();
-            err += process.readAllStandardError();
-            const QString text = QString::fromLatin1(out);
-            const auto tcp = QRegularExpression(QStringLiteral("listening on 127\\.0\\.0\\.1:(\\d+)")).match(text);
-            const auto pty = QRegularExpression(QStringLiteral("pty (\\S+)")).match(text);
-            const auto beat = QRegularExpression(QStringLiteral("heartbeat on 127\\.0\\.0\\.1:(\\d+)"))
-                                  .match(QString::fromLatin1(err));
-            if (beat.hasMatch())
-                heartbeatPort = quint16(beat.captured(1).toUInt());
-            if (pty.hasMatch()) {
-                ptyPath = pty.captured(1);
-                return true;
-            }
-            if (tcp.hasMatch() && (heartbeatPort || !arguments.contains(QStringLiteral("--heartbeat-port")))) {
-                port = quint16(tcp.captured(1).toUInt());
-                return true;
-            }
-        }
-        qWarning("kvr-board did not start: %s %s", out.constData(), err.constData());
-        return false;
-    }
-    ~Board()
-    {
-        process.kill();
-        process.waitForFinished(3000);
-    }
-};
 
 struct Fixture {
     QTemporaryDir dir;
@@ -77,10 +35,10 @@ struct Fixture {
         context.settings.remoteIp = QStringLiteral("127.0.0.1");
         controller.SetTerminal(&terminal);
     }
-    void UseTcp(const Board &board)
+    void UseTcp(quint16 port, quint16 heartbeatPort)
     {
-        context.settings.remotePort = QString::number(board.port);
-        controller.Tcp().SetHeartbeatPort(board.heartbeatPort);
+        context.settings.remotePort = QString::number(port);
+        controller.Tcp().SetHeartbeatPort(heartbeatPort);
         controller.SelectPort(0);
     }
     // Ticks the terminal until its screen shows `text`.
@@ -126,13 +84,13 @@ class TestLinkBoard : public QObject {
 private slots:
     void typedLineAnsweredOverTcp()
     {
-        Board board;
-        QVERIFY(board.Start({"--port", "0", "--heartbeat-port", "0"}));
+        test::BoardRunner board;
+        QVERIFY2(board.Start({"--port", "0", "--heartbeat-port", "0"}), qPrintable(board.Failure()));
         Fixture f;
-        f.UseTcp(board);
+        f.UseTcp(board.Port(), board.HeartbeatPort());
         QVERIFY(f.controller.IsTcpConnected());
         QCOMPARE(f.prompts.MessageTexts(),
-                 QStringList{"Connected to IP address 127.0.0.1, port " + QString::number(board.port)});
+                 QStringList{"Connected to IP address 127.0.0.1, port " + QString::number(board.Port())});
         f.terminal.KeyTyped(QStringLiteral("2 3 + .\r"));
         QVERIFY(f.ScreenShows(QStringLiteral("2 3 + . 5 ")));
         QVERIFY(f.ScreenShows(QStringLiteral(" ok")));
@@ -149,12 +107,12 @@ private slots:
     void startupLineAccepted()
     {
         QFETCH(QString, type);
-        Board board;
-        QVERIFY(board.Start({"--port", "0", "--no-heartbeat", "--type", type}));
+        test::BoardRunner board;
+        QVERIFY2(board.Start({"--port", "0", "--no-heartbeat", "--type", type}), qPrintable(board.Failure()));
         Fixture f;
         f.context.settings.computerType = type;
         f.controller.Tcp().SetHeartbeatPort(0);
-        f.context.settings.remotePort = QString::number(board.port);
+        f.context.settings.remotePort = QString::number(board.Port());
         f.controller.SelectPort(0);
         QVERIFY(f.controller.IsTcpConnected());
         f.link.SendText(QString(QChar(13)), false);
@@ -178,11 +136,10 @@ private slots:
 
     void heartbeatRefusedDataStaysUp()
     {
-        Board board;
-        QVERIFY(board.Start({"--port", "0", "--no-heartbeat"}));
+        test::BoardRunner board;
+        QVERIFY2(board.Start({"--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
         Fixture f;
-        board.heartbeatPort = UnusedPort();
-        f.UseTcp(board);
+        f.UseTcp(board.Port(), UnusedPort());
         QVERIFY(f.controller.IsTcpConnected());
         QTRY_COMPARE(f.prompts.MessageTexts().size(), 2);
         QVERIFY(f.prompts.MessageTexts().at(1).startsWith(
@@ -193,14 +150,14 @@ private slots:
 
     void boardKilledMidSession()
     {
-        Board board;
-        QVERIFY(board.Start({"--port", "0", "--heartbeat-port", "0"}));
+        test::BoardRunner board;
+        QVERIFY2(board.Start({"--port", "0", "--heartbeat-port", "0"}), qPrintable(board.Failure()));
         Fixture f;
-        f.UseTcp(board);
+        f.UseTcp(board.Port(), board.HeartbeatPort());
         f.terminal.KeyTyped(QStringLiteral("1 .\r"));
         QVERIFY(f.ScreenShows(QStringLiteral("1 . 1 ")));
         f.prompts.Clear();
-        board.process.kill();
+        ::kill(static_cast<pid_t>(board.Pid()), SIGKILL);
         QDeadlineTimer deadline(5000);
         while (f.controller.IsTcpConnected() && !deadline.hasExpired()) {
             f.terminal.Tick();
@@ -219,10 +176,10 @@ private slots:
 
     void typedLineAnsweredOverPty()
     {
-        Board board;
-        QVERIFY(board.Start({"--pty"}));
+        test::BoardRunner board;
+        QVERIFY2(board.Start({"--pty"}), qPrintable(board.Failure()));
         Fixture f;
-        f.context.settings.serialDevices[QStringLiteral("COM5")] = board.ptyPath;
+        f.context.settings.serialDevices[QStringLiteral("COM5")] = board.PtyPath();
         f.controller.SelectPort(5);
         QCOMPARE(f.prompts.MessageTexts(), QStringList());
         f.terminal.KeyTyped(QStringLiteral("2 3 + .\r"));
@@ -233,7 +190,7 @@ private slots:
         f.terminal.KeyTyped(QStringLiteral("4 4 * .\r"));
         QVERIFY(f.ScreenShows(QStringLiteral("4 4 * . 16 ")));
 
-        board.process.kill();
+        ::kill(static_cast<pid_t>(board.Pid()), SIGKILL);
         QDeadlineTimer deadline(5000);
         while (f.controller.Serial().IsUsable() && !deadline.hasExpired()) {
             f.terminal.KeyTyped(QStringLiteral("x"));
