@@ -4,7 +4,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: deps configure build run test bench clean
+.PHONY: deps configure build run test bench package clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -23,6 +23,9 @@ test: build
 
 bench: build
 	@cmake --build $(BUILD) --target bench
+
+package: build
+	@cd $(BUILD) && cpack -B package
 
 clean:
 	rm -rf $(BUILD)

@@ -1,15 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian packages KVR-PC needs to build, run and test.
-# Idempotent: only what is missing is installed.
+# Installs the Debian packages KVR-PC needs to build, run and test, as listed
+# in scripts/packages.list. Idempotent: only what is missing is installed.
 set -euo pipefail
 
-packages=(
-  build-essential cmake pkg-config
-  qt6-base-dev qt6-base-dev-tools qt6-serialport-dev libqt6sql6-sqlite
-  libgl-dev libxkbcommon-dev
-  gforth
-  xvfb xdotool openbox x11-utils imagemagick
-)
+list="$(dirname "$0")/packages.list"
+mapfile -t packages < <(awk '!/^#/ && NF == 2 { print $2 }' "$list")
 
 missing=()
 for p in "${packages[@]}"; do

@@ -53,6 +53,12 @@ void LinkController::ClearAfterOpen()
         m_terminal->ClearScreen();
 }
 
+QString LinkController::WithAccessAdvice(const QString &message) const
+{
+    const QString advice = m_serial.AccessAdvice();
+    return advice.isEmpty() ? message : message + QChar(10) + QChar(10) + advice;
+}
+
 bool LinkController::OpenSerial()
 {
     const int n = PortNumber();
@@ -103,8 +109,8 @@ void LinkController::SelectPort(int n)
     m_context.WriteSettings();
     if (n != 0) {
         if (!OpenSerial())
-            m_context.prompts.Message(QStringLiteral("Com port ") + QString::number(n)
-                                          + QStringLiteral(" not available"),
+            m_context.prompts.Message(WithAccessAdvice(QStringLiteral("Com port ") + QString::number(n)
+                                                       + QStringLiteral(" not available")),
                                       PromptIcon::Exclamation);
     } else {
         ConnectRemote();
@@ -119,7 +125,8 @@ void LinkController::OpenAtStart()
         emit PortChanged(n >= 1 && n <= 20 ? n : -1);
         if (!OpenSerial()) {
             emit PortChanged(-1);
-            m_context.prompts.Message(QStringLiteral("No serial port available"), PromptIcon::Exclamation);
+            m_context.prompts.Message(WithAccessAdvice(QStringLiteral("No serial port available")),
+                                      PromptIcon::Exclamation);
             m_context.settings.commPort = QStringLiteral("COM1");
             m_context.WriteSettings();
         }

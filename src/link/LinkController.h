@@ -63,6 +63,9 @@ private:
     void UsePort(int n);
     void SetStatus(const QString &text);
     void ClearAfterOpen();
+    // `message`, followed by how to get access when the port was refused to
+    // this account.
+    QString WithAccessAdvice(const QString &message) const;
     void OnClientError(const QString &description);
     void OnHeartbeatError(const QString &description);
     void OnSerialLost(const QString &reason);

@@ -1,4 +1,5 @@
 #include "link/SerialTransport.h"
+#include "link/SerialAccess.h"
 #include <QFileInfo>
 #include <poll.h>
 
@@ -53,6 +54,7 @@ bool SerialTransport::Open(const QString &devicePath, qint32 baud)
     Close();
     m_received.clear();
     m_errorText.clear();
+    m_accessAdvice.clear();
     m_devicePath = devicePath;
     if (devicePath.isEmpty()) {
         m_errorText = QStringLiteral("no device bound to this port");
@@ -67,7 +69,8 @@ bool SerialTransport::Open(const QString &devicePath, qint32 baud)
     m_port.setPortName(devicePath);
     m_port.setFlowControl(QSerialPort::NoFlowControl);
     if (!m_port.open(QIODevice::ReadWrite)) {
-        m_errorText = m_port.errorString();
+        m_accessAdvice = SerialAccessAdvice(devicePath);
+        m_errorText = m_accessAdvice.isEmpty() ? m_port.errorString() : m_accessAdvice;
         return false;
     }
     // RTS can only be raised on an open port; a line without modem control

@@ -20,6 +20,8 @@ public:
     // raise RTS. False with ErrorText() when the port can't be opened.
     bool Open(const QString &devicePath, qint32 baud);
     QString ErrorText() const { return m_errorText; }
+    // After a failed Open(): how to get access when the account lacks it.
+    QString AccessAdvice() const { return m_accessAdvice; }
     // Changes the speed of the open port; false when the line refuses it.
     bool SetBaudRate(qint32 baud);
     QString DevicePath() const { return m_devicePath; }
@@ -45,6 +47,7 @@ private:
     QSerialPort m_port;
     QString m_devicePath;
     QString m_errorText;
+    QString m_accessAdvice;
     QElapsedTimer m_sinceDeviceCheck;
 };
 
