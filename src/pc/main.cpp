@@ -8,6 +8,7 @@
 #include "pc/MainAssembly.h"
 #include <QApplication>
 #include <QFile>
+#include <QIcon>
 #include <QTimer>
 #include <cstdio>
 
@@ -16,6 +17,12 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("KVR-PC"));
     QApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
+    // Ties the windows to the installed desktop entry and its icon.
+    QApplication::setDesktopFileName(QStringLiteral("kvr-pc"));
+    QIcon icon;
+    for (const char *size : {"32", "64", "256"})
+        icon.addFile(QStringLiteral(":/icons/kvr-pc-%1.png").arg(QLatin1String(size)));
+    QApplication::setWindowIcon(icon);
 
     const kvr::PcCommandLine commandLine = kvr::ParsePcCommandLine(QApplication::arguments().mid(1));
     if (!commandLine.error.isEmpty()) {
