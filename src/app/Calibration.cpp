@@ -1,4 +1,5 @@
 #include "app/Calibration.h"
+#include "app/SpinLoop.h"
 
 namespace kvr {
 
@@ -16,13 +17,10 @@ DelayPair DelaysFromElapsed(qint64 elapsedMs)
 
 void CalibrationLoop()
 {
-    volatile quint16 outer = 0;
-    while (outer <= 1600) {
-        volatile quint16 inner = 1;
-        while (inner <= 30000)
-            inner = static_cast<quint16>(inner + 1);
-        outer = static_cast<quint16>(outer + 1);
-    }
+    // The inner passes run in the pacing loop itself; the few outer calls
+    // cost nothing next to 30000 passes each.
+    for (int outer = 0; outer <= 1600; ++outer)
+        SpinDelay(30000 - 1);
 }
 
 void CalibrateDelay(Settings &settings, Clock &clock)

@@ -17,8 +17,8 @@ DelayPair DelaysFromElapsed(qint64 elapsedMs);
 // Runs the timed loops against `clock` and stores both delays.
 void CalibrateDelay(Settings &settings, Clock &clock);
 
-// The empty counting loop of the calibration: 1601 outer passes around
-// 30000 inner ones, on counters the optimiser cannot remove.
+// The timed loop of the calibration: 1601 outer passes around 30000 passes
+// of the pacing loop.
 void CalibrationLoop();
 
 } // namespace kvr

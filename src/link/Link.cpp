@@ -1,15 +1,9 @@
 #include "link/Link.h"
+#include "app/SpinLoop.h"
 #include "app/Text.h"
 #include <cmath>
 
 namespace kvr {
-
-void SpinDelay(qint64 lastPass)
-{
-    volatile qint64 counter = 0;
-    while (counter <= lastPass)
-        counter = counter + 1;
-}
 
 qint64 DelayLastPass(double delay)
 {

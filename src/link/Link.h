@@ -39,9 +39,6 @@ private:
     int m_waitDepth = 0;
 };
 
-// The busy loop between characters: passes 0 to lastPass (lastPass + 1 of
-// them, none when lastPass is negative) on a volatile counter.
-void SpinDelay(qint64 lastPass);
 // lastPass for a delay: the integer part of delay x 8.5.
 qint64 DelayLastPass(double delay);
 
