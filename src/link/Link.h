@@ -32,8 +32,10 @@ public:
 
     AppContext &Context() const { return m_context; }
 
-private:
+    // The link can carry bytes now (an open port, a connected socket).
     bool Usable() const { return m_transport && m_transport->IsUsable(); }
+
+private:
     AppContext &m_context;
     QPointer<Transport> m_transport;
     int m_waitDepth = 0;

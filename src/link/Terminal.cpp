@@ -1,7 +1,9 @@
 #include "link/Terminal.h"
+#include "app/Text.h"
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <algorithm>
 
 namespace kvr {
 
@@ -72,17 +74,21 @@ void Terminal::ClearScreen()
     emit ScreenChanged();
 }
 
-void Terminal::KeyTyped(const QString &text)
+void Terminal::SendTyped(const QString &text)
 {
     for (QChar c : text) {
-        if (c.unicode() == 9)
-            continue;
-        // The Caps Lock option works on the letters this window sends; the
-        // keyboard's own lock state is left to the desktop.
-        if (CapsLockOn() && c.unicode() < 128)
-            c = c.toUpper();
         m_link.SendText(QString(c), false);
+        m_history.Sent(c);
     }
+}
+
+void Terminal::KeyTyped(const QString &text)
+{
+    QString sent;
+    for (QChar c : text)
+        if (c.unicode() != 9)
+            sent.append(c);
+    SendTyped(sent);
 }
 
 bool Terminal::KeyDown(int qtKey, bool shift)
@@ -93,6 +99,7 @@ bool Terminal::KeyDown(int qtKey, bool shift)
         return true;
     case Qt::Key_F2:
         m_context.compileOutcome = CompileOutcome::HaltRequested;
+        m_pasteHalted = true;
         SendInterrupt();
         return true;
     case Qt::Key_Tab:
@@ -104,6 +111,116 @@ bool Terminal::KeyDown(int qtKey, bool shift)
     default:
         return false;
     }
+}
+
+bool Terminal::KeyPressed(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text)
+{
+    const bool shift = modifiers & Qt::ShiftModifier;
+    const bool control = modifiers & Qt::ControlModifier;
+    const bool otherChord = modifiers & (Qt::AltModifier | Qt::MetaModifier);
+    if (m_pasting) {
+        // Only F2 reaches a board that is taking a paste.
+        if (qtKey == Qt::Key_F2)
+            KeyDown(qtKey, shift);
+        return true;
+    }
+    if (KeyDown(qtKey, shift))
+        return true;
+    if ((qtKey == Qt::Key_Up || qtKey == Qt::Key_Down) && !(control || otherChord)) {
+        SendTyped(m_history.Recall(qtKey == Qt::Key_Up));
+        return true;
+    }
+    if (control && !otherChord) {
+        const int code = ControlCode(qtKey);
+        if (code >= 0) {
+            SendTyped(QString(QChar(code)));
+            return true;
+        }
+    }
+    if (m_capsEmulated && CapsLockOn() && !control && !otherChord) {
+        const QChar letter = CapsLockLetter(qtKey, shift);
+        if (!letter.isNull()) {
+            SendTyped(QString(letter));
+            return true;
+        }
+    }
+    if (text.isEmpty())
+        return false;
+    KeyTyped(text);
+    return true;
+}
+
+void Terminal::Paste(const QString &text)
+{
+    if (m_pasting || text.isEmpty())
+        return;
+    QString normal = text;
+    normal.replace(QStringLiteral("\r\n"), QStringLiteral("\r"));
+    normal.replace(QLatin1Char('\n'), QLatin1Char('\r'));
+    normal.replace(QLatin1Char('\t'), QLatin1Char(' '));
+    const QStringList lines = normal.split(QLatin1Char('\r'));
+    m_pasting = true;
+    m_pasteHalted = false;
+    const bool timerWasOn = m_inputTimerEnabled;
+    SetInputTimerEnabled(false);
+    for (int i = 0; i < lines.size() && !m_pasteHalted; ++i) {
+        SendTyped(lines.at(i));
+        if (i + 1 < lines.size()) {
+            SendTyped(QString(QChar(13)));
+            if (!AwaitPastedLine())
+                break;
+        }
+    }
+    SetInputTimerEnabled(timerWasOn);
+    m_pasting = false;
+}
+
+bool Terminal::AwaitPastedLine()
+{
+    const quint32 deadline = m_context.clock.TickCount()
+        + static_cast<quint32>(std::clamp(Val(m_context.settings.timeout), 0.0, 3.6e6));
+    while (TickBefore(m_context.clock.TickCount(), deadline)) {
+        if (m_link.BytesAvailable() > 0) {
+            const QByteArray bytes = m_link.ReadBytes();
+            ShowBytes(bytes);
+            if (bytes.contains('\n'))
+                return true;
+        }
+        if (!m_link.Usable())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        if (m_pasteHalted)
+            return false;
+    }
+    m_link.NotResponding();
+    return false;
+}
+
+QString Terminal::TextBetween(int fromLine, int fromColumn, int toLine, int toColumn) const
+{
+    if (std::make_pair(toLine, toColumn) < std::make_pair(fromLine, fromColumn)) {
+        std::swap(fromLine, toLine);
+        std::swap(fromColumn, toColumn);
+    }
+    const QList<QString> &history = m_screen.ScrollBack();
+    const int historySize = int(history.size());
+    QStringList lines;
+    for (int line = std::max(0, fromLine); line <= toLine; ++line) {
+        QString text;
+        if (line < historySize)
+            text = history.at(line);
+        else if (line - historySize < m_screen.Rows())
+            text = m_screen.Line(line - historySize);
+        else
+            break;
+        const int start = line == fromLine ? fromColumn : 0;
+        const int end = line == toLine ? toColumn : int(text.size());
+        QString part = text.mid(start, std::max(0, end - start));
+        while (part.endsWith(QLatin1Char(' ')))
+            part.chop(1);
+        lines.append(part);
+    }
+    return lines.join(QLatin1Char('\n'));
 }
 
 void Terminal::SendInterrupt()
@@ -130,7 +247,10 @@ void Terminal::ToggleCapture()
             return;
         m_capture.setFileName(path);
         if (!m_capture.open(QIODevice::WriteOnly | QIODevice::Append)) {
-            prompts.Message(path + QStringLiteral("Can't open file "), PromptIcon::Exclamation);
+            // The path first, then the system's reason, readable on their own lines.
+            prompts.Message(path + QChar(10) + QStringLiteral("Can't open file ") + QStringLiteral("(")
+                                + m_capture.errorString() + QStringLiteral(")"),
+                            PromptIcon::Exclamation);
             return;
         }
         prompts.Message(QStringLiteral("Now capturing input and appending it to end of file ") + path,
@@ -155,6 +275,7 @@ void Terminal::ToggleCapsLock()
     Settings &s = m_context.settings;
     s.capsLock = CapsLockOn() ? QStringLiteral("OFF") : QStringLiteral("ON");
     m_context.WriteSettings();
+    emit CapsLockChanged(CapsLockOn());
 }
 
 void Terminal::ShowSerialError()

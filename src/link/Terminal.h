@@ -4,6 +4,7 @@
 // sequence, the cursor blink and the indicators. The window frmEmulator
 // forwards its events here and paints what this holds.
 #include "app/AppContext.h"
+#include "link/KeyboardInput.h"
 #include "link/Link.h"
 #include "link/ScreenModel.h"
 #include "link/TerminalHost.h"
@@ -42,6 +43,18 @@ public:
     void KeyTyped(const QString &text);
     // F1, F2 and Tab are handled on key down; true when the key was used.
     bool KeyDown(int qtKey, bool shift);
+    // A key pressed in the window, with what the keyboard made of it: control
+    // chords, line recall (Up, Down), Caps Lock letters, typed characters.
+    // True when the key was used.
+    bool KeyPressed(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text);
+    // Sends text as if typed, line ends as CR, waiting for the board's answer
+    // to each line and painting it; F2 stops it.
+    void Paste(const QString &text);
+    bool IsPasting() const { return m_pasting; }
+    const LineHistory &History() const { return m_history; }
+    // Text of the screen and scroll-back between two positions (line counted
+    // from the oldest scroll-back line, column), lines joined with LF.
+    QString TextBetween(int fromLine, int fromColumn, int toLine, int toColumn) const;
 
     void ToggleCapture();
     bool IsCapturing() const { return m_capture.isOpen(); }
@@ -51,6 +64,10 @@ public:
     // Flips `Caps Lock, ON or OFF` and saves it.
     void ToggleCapsLock();
     bool CapsLockOn() const { return m_context.settings.IsOn(m_context.settings.capsLock); }
+    // Whether this window must make the Caps Lock letters itself because the
+    // keyboard's own lock could not be switched.
+    void SetCapsLockEmulated(bool emulated) { m_capsEmulated = emulated; }
+    bool CapsLockEmulated() const { return m_capsEmulated; }
 
     bool InputTimerEnabled() const { return m_inputTimerEnabled; }
     bool CursorShown() const { return m_blink; }
@@ -79,10 +96,17 @@ signals:
     void BringForwardRequested();
     void HelpRequested();
     void FocusEditorRequested();
+    // The Caps Lock option changed: the window switches the keyboard's lock.
+    void CapsLockChanged(bool on);
     // Opens a file in an editor window (the captured text after a capture).
     void OpenInEditor(const QString &path);
 
 private:
+    void SendTyped(const QString &text);
+    // Paints what arrives until a line feed, the time-out or F2; false when
+    // the paste must stop.
+    bool AwaitPastedLine();
+
     AppContext &m_context;
     Link &m_link;
     ScreenModel m_screen;
@@ -95,6 +119,10 @@ private:
     bool m_progressVisible = false;
     int m_progressCapacity = 40;
     QString m_progressText;
+    LineHistory m_history;
+    bool m_capsEmulated = false;
+    bool m_pasting = false;
+    bool m_pasteHalted = false;
 };
 
 } // namespace kvr

@@ -1,7 +1,10 @@
 #include "LinkFixture.h"
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
+#include <QClipboard>
 #include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -48,6 +51,45 @@ private slots:
         QCOMPARE(window.Logic().Screen().ScreenText(), QString());
         f.board.Inject("2 3 + . 5  ok\r\n");
         QTRY_COMPARE(window.Logic().Screen().Text(0), QStringLiteral("2 3 + . 5  ok"));
+    }
+
+    void clipboardAndChordsInTheWindow()
+    {
+        test::LinkFixture f;
+        f.AnswerOk();
+        QMdiArea area;
+        auto *window = new frmEmulator(f.context, f.link);
+        QMdiSubWindow *sub = area.addSubWindow(window);
+        area.resize(700, 500);
+        area.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&area));
+        window->setFocus();
+        // Ctrl+W is the board's character 23, not the sub-window's close.
+        QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+        QCOMPARE(f.board.sent, QByteArray("\x17"));
+        QVERIFY(sub->isVisible());
+
+        f.board.Inject("HELLO WORLD\r\n");
+        QTRY_COMPARE(window->Logic().Screen().Text(0), QStringLiteral("HELLO WORLD"));
+        // Dragging over the first line selects it; trailing blanks are left out.
+        QTest::mousePress(window, Qt::LeftButton, {}, QPoint(1, 2));
+        QMouseEvent move(QEvent::MouseMove, QPointF(window->width() - 40, 2), window->mapToGlobal(QPointF(0, 0)),
+                         Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window, &move);
+        QCOMPARE(window->SelectedText(), QStringLiteral("HELLO WORLD"));
+        QTest::keyClick(window, Qt::Key_Insert, Qt::ControlModifier);
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("HELLO WORLD"));
+
+        QGuiApplication::clipboard()->setText(QStringLiteral("1 2 +\n."));
+        f.board.sent.clear();
+        QTest::keyClick(window, Qt::Key_Insert, Qt::ShiftModifier);
+        QCOMPARE(f.board.sent, QByteArray("1 2 +\r."));
+
+        // A hidden terminal takes no keys.
+        sub->hide();
+        f.board.sent.clear();
+        QTest::keyClick(window, Qt::Key_A);
+        QCOMPARE(f.board.sent, QByteArray());
     }
 
     void paintsInEmulatorColours()

@@ -12,27 +12,80 @@ class TestTerminal : public QObject {
 private slots:
     void keysSentAsTyped_data()
     {
-        QTest::addColumn<QString>("capsLock");
-        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("capsEmulated");
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<QString>("text");
         QTest::addColumn<QByteArray>("sent");
-        QTest::newRow("tab is never sent") << "OFF" << "a\tb" << QByteArray("ab");
-        QTest::newRow("caps lock off keeps case") << "OFF" << "Dup" << QByteArray("Dup");
-        QTest::newRow("caps lock on sends capitals") << "ON" << "dup 2" << QByteArray("DUP 2");
-        QTest::newRow("control characters pass") << "ON" << QString::fromLatin1("\x03\r\x08") << QByteArray("\x03\r\x08");
+        const int none = Qt::NoModifier, shift = Qt::ShiftModifier, ctrl = Qt::ControlModifier;
+        QTest::newRow("tab is never sent") << false << int(Qt::Key_Tab) << none << "\t" << QByteArray();
+        QTest::newRow("typed text as the keyboard gives it") << false << int(Qt::Key_D) << shift << "D" << QByteArray("D");
+        QTest::newRow("ctrl+w is character 23") << false << int(Qt::Key_W) << ctrl << "" << QByteArray("\x17");
+        QTest::newRow("ctrl+c is character 3") << false << int(Qt::Key_C) << ctrl << "\x03" << QByteArray("\x03");
+        QTest::newRow("ctrl+[ is escape") << false << int(Qt::Key_BracketLeft) << ctrl << "" << QByteArray("\x1b");
+        QTest::newRow("caps lock gives capitals") << true << int(Qt::Key_D) << none << "d" << QByteArray("D");
+        QTest::newRow("shift under caps lock gives small") << true << int(Qt::Key_D) << shift << "D" << QByteArray("d");
+        QTest::newRow("caps lock leaves digits") << true << int(Qt::Key_2) << none << "2" << QByteArray("2");
+        QTest::newRow("keyboard's own lock not doubled") << false << int(Qt::Key_D) << none << "D" << QByteArray("D");
     }
     void keysSentAsTyped()
     {
-        QFETCH(QString, capsLock);
-        QFETCH(QString, typed);
+        QFETCH(bool, capsEmulated);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        QFETCH(QString, text);
         QFETCH(QByteArray, sent);
         test::LinkFixture f;
-        f.context.settings.capsLock = capsLock;
+        f.context.settings.capsLock = QStringLiteral("ON");
         Terminal terminal(f.context, f.link);
-        terminal.KeyTyped(typed);
+        terminal.SetCapsLockEmulated(capsEmulated);
+        terminal.KeyPressed(key, Qt::KeyboardModifiers(modifiers), text);
         QCOMPARE(f.board.sent, sent);
         // One SendText per key, nothing painted locally.
         QCOMPARE(f.board.writes.size(), sent.size());
         QCOMPARE(terminal.Screen().ScreenText(), QString());
+    }
+
+    void upAndDownRecallLines()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        terminal.KeyTyped(QStringLiteral("1 2 +\r"));
+        terminal.KeyTyped(QStringLiteral("WORDS\r"));
+        terminal.KeyTyped(QStringLiteral("DU"));
+        f.board.sent.clear();
+        terminal.KeyPressed(Qt::Key_Up, Qt::NoModifier, QString());
+        QCOMPARE(f.board.sent, QByteArray("\b\bWORDS"));
+        f.board.sent.clear();
+        terminal.KeyPressed(Qt::Key_Up, Qt::NoModifier, QString());
+        terminal.KeyPressed(Qt::Key_Up, Qt::NoModifier, QString()); // nothing older
+        QCOMPARE(f.board.sent, QByteArray("\b\b\b\b\b1 2 +"));
+        f.board.sent.clear();
+        terminal.KeyPressed(Qt::Key_Down, Qt::NoModifier, QString());
+        terminal.KeyPressed(Qt::Key_Down, Qt::NoModifier, QString());
+        terminal.KeyPressed(Qt::Key_Down, Qt::NoModifier, QString()); // nothing newer
+        QCOMPARE(f.board.sent, QByteArray("\b\b\b\b\bWORDS\b\b\b\b\b"));
+        for (int i = 0; i < 120; ++i)
+            terminal.KeyTyped(QStringLiteral("%1\r").arg(i));
+        QCOMPARE(terminal.History().Lines().size(), LineHistory::Capacity);
+        QCOMPARE(terminal.History().Lines().first(), QStringLiteral("20"));
+    }
+
+    void pasteSendsLinesAndWaitsForEach()
+    {
+        test::LinkFixture f;
+        f.AnswerOk();
+        Terminal terminal(f.context, f.link);
+        terminal.Paste(QStringLiteral(": SQ\tDUP * ;\r\n5 SQ .\n"));
+        QCOMPARE(f.board.lines, (QList<QByteArray>{": SQ DUP * ;", "5 SQ ."}));
+        QCOMPARE(terminal.Screen().Text(1), QStringLiteral("5 SQ . ok"));
+        QCOMPARE(f.prompts.MessageTexts(), QStringList());
+        // A board that never answers stops the paste after the first line.
+        f.board.SetResponder([](const QByteArray &) { return QByteArray(); });
+        f.board.lines.clear();
+        terminal.Paste(QStringLiteral("1\n2\n3"));
+        QCOMPARE(f.board.lines, QList<QByteArray>{"1"});
+        QCOMPARE(f.prompts.MessageTexts().size(), 1);
     }
 
     void capsLockToggleIsSaved()
@@ -247,7 +300,7 @@ private slots:
         f.prompts.fileNames.enqueue(path);
         terminal.ToggleCapture();
         QVERIFY(!terminal.IsCapturing());
-        QCOMPARE(f.prompts.MessageTexts(), QStringList{path + "Can't open file "});
+        QCOMPARE(f.prompts.MessageTexts(), QStringList{path + "\nCan't open file (No such file or directory)"});
         QCOMPARE(f.context.settings.captureToDisk, NotUsed);
     }
 

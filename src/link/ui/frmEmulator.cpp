@@ -1,5 +1,11 @@
 #include "link/ui/frmEmulator.h"
 #include "app/Text.h"
+#include "link/ui/KeyboardLock.h"
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QMouseEvent>
 #include <QFontDatabase>
 #include <QKeyEvent>
 #include <QLabel>
@@ -73,8 +79,16 @@ frmEmulator::frmEmulator(AppContext &context, Link &link, QWidget *parent)
     connect(m_terminal, &Terminal::BringForwardRequested, this, &frmEmulator::BringForward);
     connect(m_controller, &LinkController::BringTerminalForward, this, &frmEmulator::BringForward);
     connect(m_controller, &LinkController::SerialFault, m_terminal, &Terminal::ShowSerialError);
+    connect(m_terminal, &Terminal::CapsLockChanged, this, &frmEmulator::ApplyCapsLock);
     connect(&context, &AppContext::SettingsWritten, this, &frmEmulator::ApplySettings);
     ApplySettings();
+}
+
+void frmEmulator::ApplyCapsLock(bool on)
+{
+    // Off switches the keyboard's lock off too: the option was what put it on.
+    const bool switched = SetKeyboardCapsLock(on);
+    m_terminal->SetCapsLockEmulated(on && !switched);
 }
 
 QSize frmEmulator::sizeHint() const
@@ -85,6 +99,8 @@ QSize frmEmulator::sizeHint() const
 void frmEmulator::Load()
 {
     ApplySettings();
+    if (m_terminal->CapsLockOn())
+        ApplyCapsLock(true);
     m_controller->OpenAtStart();
 }
 
@@ -227,6 +243,23 @@ void frmEmulator::paintEvent(QPaintEvent *)
             break;
         painter.drawText(0, i * m_lineHeight + ascent, line->left(columns));
     }
+    // The selection shows in reverse colours.
+    QPoint from = m_selectionAnchor, to = m_selectionEnd;
+    if (std::make_pair(to.y(), to.x()) < std::make_pair(from.y(), from.x()))
+        std::swap(from, to);
+    for (int lineIndex = std::max(from.y(), m_viewTop); from != to && lineIndex <= to.y(); ++lineIndex) {
+        const int row = lineIndex - m_viewTop;
+        if (row >= rows)
+            break;
+        const int start = lineIndex == from.y() ? from.x() : 0;
+        const int end = lineIndex == to.y() ? to.x() : columns;
+        const QString text = m_terminal->TextBetween(lineIndex, start, lineIndex, end).leftJustified(end - start);
+        const QRect band(start * m_charWidth, row * m_lineHeight, (end - start) * m_charWidth, m_lineHeight);
+        painter.fillRect(band, m_foreground);
+        painter.setPen(m_background);
+        painter.drawText(band.left(), row * m_lineHeight + ascent, text);
+        painter.setPen(m_foreground);
+    }
     if (m_terminal->CursorShown()) {
         const int row = historySize + screen.Row() - m_viewTop;
         if (row >= 0 && row < rows)
@@ -236,11 +269,20 @@ void frmEmulator::paintEvent(QPaintEvent *)
 
 bool frmEmulator::event(QEvent *event)
 {
-    // Tab goes to the terminal, not to the focus chain.
     if (event->type() == QEvent::KeyPress) {
+        // Tab goes to the terminal, not to the focus chain.
         auto *key = static_cast<QKeyEvent *>(event);
         if (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab) {
             keyPressEvent(key);
+            return true;
+        }
+    } else if (event->type() == QEvent::ShortcutOverride) {
+        // A control chord is a character for the board, not a window
+        // shortcut (Ctrl+W would close the sub-window).
+        auto *key = static_cast<QKeyEvent *>(event);
+        const Qt::KeyboardModifiers chord = key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
+        if (chord == Qt::ControlModifier && ControlCode(key->key()) >= 0) {
+            event->accept();
             return true;
         }
     }
@@ -249,18 +291,81 @@ bool frmEmulator::event(QEvent *event)
 
 void frmEmulator::keyPressEvent(QKeyEvent *event)
 {
-    const bool shift = event->modifiers() & Qt::ShiftModifier;
+    // A hidden terminal takes no keys.
+    if (!isVisible())
+        return;
+    const Qt::KeyboardModifiers modifiers = event->modifiers();
+    const bool shift = modifiers & Qt::ShiftModifier;
     if (shift && (event->key() == Qt::Key_PageUp || event->key() == Qt::Key_PageDown)) {
         ScrollBy(event->key() == Qt::Key_PageUp ? -VisibleRows() : VisibleRows());
         return;
     }
-    if (m_terminal->KeyDown(event->key(), shift))
-        return;
-    if (!event->text().isEmpty()) {
-        m_terminal->KeyTyped(event->text());
+    if (event->key() == Qt::Key_Insert && (shift || (modifiers & Qt::ControlModifier))) {
+        if (shift)
+            PasteClipboard();
+        else
+            CopySelection();
         return;
     }
+    if (m_terminal->KeyPressed(event->key(), modifiers, event->text()))
+        return;
     QWidget::keyPressEvent(event);
+}
+
+QPoint frmEmulator::TextPosition(const QPoint &pixel) const
+{
+    const int line = m_viewTop + std::max(0, pixel.y()) / m_lineHeight;
+    const int column = std::clamp((pixel.x() + m_charWidth / 2) / m_charWidth, 0, m_terminal->Screen().VisibleColumns());
+    return QPoint(column, line);
+}
+
+void frmEmulator::mousePressEvent(QMouseEvent *event)
+{
+    setFocus();
+    if (event->button() != Qt::LeftButton)
+        return;
+    m_selectionAnchor = m_selectionEnd = TextPosition(event->position().toPoint());
+    update();
+}
+
+void frmEmulator::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!(event->buttons() & Qt::LeftButton))
+        return;
+    m_selectionEnd = TextPosition(event->position().toPoint());
+    update();
+}
+
+QString frmEmulator::SelectedText() const
+{
+    if (m_selectionAnchor == m_selectionEnd)
+        return {};
+    return m_terminal->TextBetween(m_selectionAnchor.y(), m_selectionAnchor.x(), m_selectionEnd.y(),
+                                   m_selectionEnd.x());
+}
+
+void frmEmulator::CopySelection()
+{
+    const QString text = SelectedText();
+    if (!text.isEmpty())
+        QGuiApplication::clipboard()->setText(text);
+}
+
+void frmEmulator::PasteClipboard()
+{
+    m_terminal->Paste(QGuiApplication::clipboard()->text());
+}
+
+void frmEmulator::contextMenuEvent(QContextMenuEvent *event)
+{
+    QMenu menu(this);
+    QAction *copy = menu.addAction(QStringLiteral("&Copy"), this, &frmEmulator::CopySelection);
+    copy->setObjectName(QStringLiteral("mnuTCopy"));
+    copy->setEnabled(!SelectedText().isEmpty());
+    QAction *paste = menu.addAction(QStringLiteral("&Paste"), this, &frmEmulator::PasteClipboard);
+    paste->setObjectName(QStringLiteral("mnuTPaste"));
+    paste->setEnabled(!QGuiApplication::clipboard()->text().isEmpty() && !m_terminal->IsPasting());
+    menu.exec(event->globalPos());
 }
 
 void frmEmulator::wheelEvent(QWheelEvent *event)

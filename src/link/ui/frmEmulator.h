@@ -31,9 +31,17 @@ public:
 
     QSize sizeHint() const override;
 
+    // The clipboard's text into the board, as typed; the selection out.
+    void PasteClipboard();
+    void CopySelection();
+    QString SelectedText() const;
+
 protected:
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
@@ -48,6 +56,9 @@ private:
     int VisibleRows() const;
     int ScreenTop() const;
     int MaxViewTop() const;
+    // The line (counted from the oldest scroll-back line) and column under a point.
+    QPoint TextPosition(const QPoint &pixel) const;
+    void ApplyCapsLock(bool on);
 
     AppContext &m_context;
     Terminal *m_terminal;
@@ -64,6 +75,9 @@ private:
     int m_lineHeight = 16;
     int m_viewTop = 0;
     bool m_followOutput = true;
+    // Mouse selection, in TextPosition coordinates; empty when equal.
+    QPoint m_selectionAnchor;
+    QPoint m_selectionEnd;
 };
 
 } // namespace kvr
