@@ -63,13 +63,8 @@ void MainAssembly::InstallEditors()
     Terminal &terminal = m_terminal->Logic();
     connect(&terminal, &Terminal::OpenInEditor, &pool, &EditorPool::DisplayFile);
     connect(&pool, &EditorPool::HaltRequested, &terminal, &Terminal::SendInterrupt);
-    connect(&pool, &EditorPool::TerminalFocusRequested, this, [this] {
-        for (QMdiSubWindow *window : m_frame.MdiArea()->subWindowList())
-            if (window->widget() == m_terminal) {
-                m_frame.MdiArea()->setActiveSubWindow(window);
-                m_terminal->setFocus();
-            }
-    });
+    // Tab brings the terminal back when its title-bar button hid it.
+    connect(&pool, &EditorPool::TerminalFocusRequested, m_terminal, &frmEmulator::BringForward);
     connect(&pool, &EditorPool::ExitRequested, &m_frame, &QWidget::close);
     connect(m_frame.Item(QStringLiteral("mnuFExtEditor")), &QAction::triggered, &pool,
             &EditorPool::StartExternalEditor);
@@ -99,6 +94,7 @@ void MainAssembly::InstallTerminal()
         controller.Tcp().SetHeartbeatPort(0);
     m_frame.SetTcpConnectedProvider([&controller] { return controller.IsTcpConnected(); });
     connect(&controller, &LinkController::PortChanged, &m_frame, &frmMDI::UpdateTicks);
+    connect(&m_frame, &frmMDI::TerminalRequested, m_terminal, &frmEmulator::BringForward);
     connect(&controller, &LinkController::CaptionChanged, &m_frame, &frmMDI::UpdateCaption);
     for (int i = 0; i < 8; ++i)
         connect(m_frame.Item(frmMDI::ArrayName(QStringLiteral("mnuOBaudArray"), i)), &QAction::triggered,

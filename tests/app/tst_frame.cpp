@@ -4,6 +4,8 @@
 #include "pc/CommandLine.h"
 #include <QAction>
 #include <QMenu>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -159,6 +161,28 @@ private slots:
         QCOMPARE(f.context.settings.Color(ColorWindow::Emulator, false), QColor(0, 0, 0));
         f.frame.Item(QStringLiteral("mnuOCBackground"))->trigger(); // cancelled: unchanged
         QCOMPARE(f.context.settings.Color(ColorWindow::Emulator, false), QColor(0, 0, 0));
+    }
+
+    void windowMenuListsChildWindows()
+    {
+        Fixture f;
+        f.frame.show();
+        QMdiSubWindow *terminal = f.frame.MdiArea()->addSubWindow(new QWidget);
+        terminal->setWindowTitle(QStringLiteral("Interactive window"));
+        QMdiSubWindow *editor = f.frame.MdiArea()->addSubWindow(new QWidget);
+        editor->setWindowTitle(QStringLiteral("Source code 1"));
+        terminal->show();
+        editor->show();
+        terminal->hide(); // closed with its title-bar button
+        f.frame.UpdateWindowList();
+        f.frame.UpdateWindowList(); // rebuilt, not appended to
+        QAction *first = f.frame.Item(QStringLiteral("mnuWList(1)"));
+        QVERIFY(first);
+        QCOMPARE(first->text(), QStringLiteral("&1 Source code 1"));
+        QVERIFY(!f.frame.Item(QStringLiteral("mnuWList(2)")));
+        QSignalSpy requested(&f.frame, &frmMDI::TerminalRequested);
+        f.frame.Item(QStringLiteral("mnuWTerminal"))->trigger();
+        QCOMPARE(requested.size(), 1);
     }
 
     void closeGuardCanAbandonExit()

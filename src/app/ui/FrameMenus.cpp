@@ -107,6 +107,8 @@ void frmMDI::BuildMenus()
     AddItem(window, "mnuWHorizontal", QStringLiteral("Tile &Horizontal"));
     AddItem(window, "mnuWVertical", QStringLiteral("Tile &Vertical"));
     AddItem(window, "mnuWArrange", QStringLiteral("&Arrange icons"));
+    window->addSeparator();
+    AddItem(window, "mnuWTerminal", QStringLiteral("&Interactive window"));
 
     QMenu *definitions = AddMenu(bar, "mnuD", QStringLiteral("&Definitions"));
     AddItem(definitions, "mnuDView", QStringLiteral("&View database"));

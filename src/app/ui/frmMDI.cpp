@@ -5,6 +5,8 @@
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmDelay.h"
 #include <QCloseEvent>
+#include <QMdiSubWindow>
+#include <QPointer>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QFileInfo>
@@ -49,6 +51,33 @@ QAction *frmMDI::Item(const QString &controlName) const
 QMenu *frmMDI::Menu(const QString &controlName) const
 {
     return menuBar()->findChild<QMenu *>(controlName);
+}
+
+void frmMDI::UpdateWindowList()
+{
+    QMenu *menu = Menu(QStringLiteral("mnuWindow"));
+    for (QAction *action : menu->actions())
+        if (action->property("windowList").toBool())
+            delete action;
+    int number = 0;
+    for (QMdiSubWindow *sub : m_mdi->subWindowList()) {
+        if (!sub->isVisible())
+            continue;
+        if (number == 0)
+            menu->addSeparator()->setProperty("windowList", true);
+        ++number;
+        const QString label = number < 10 ? QStringLiteral("&%1 %2").arg(number).arg(sub->windowTitle())
+                                          : QStringLiteral("%1 %2").arg(number).arg(sub->windowTitle());
+        QAction *action = menu->addAction(label);
+        action->setProperty("windowList", true);
+        action->setObjectName(ArrayName(QStringLiteral("mnuWList"), number));
+        action->setCheckable(true);
+        action->setChecked(sub == m_mdi->activeSubWindow());
+        connect(action, &QAction::triggered, this, [this, sub = QPointer<QMdiSubWindow>(sub)] {
+            if (sub)
+                m_mdi->setActiveSubWindow(sub);
+        });
+    }
 }
 
 void frmMDI::UpdateCaption()
@@ -110,6 +139,8 @@ void frmMDI::ConnectOptionItems()
     connect(Item(QStringLiteral("mnuWVertical")), &QAction::triggered, this,
             [this] { ArrangeTiles(Qt::Vertical); });
     connect(Item(QStringLiteral("mnuWArrange")), &QAction::triggered, m_mdi, &QMdiArea::tileSubWindows);
+    connect(Item(QStringLiteral("mnuWTerminal")), &QAction::triggered, this, &frmMDI::TerminalRequested);
+    connect(Menu(QStringLiteral("mnuWindow")), &QMenu::aboutToShow, this, &frmMDI::UpdateWindowList);
     connect(Item(QStringLiteral("mnuAbout")), &QAction::triggered, this, &frmMDI::ShowAbout);
     const QList<QPair<const char *, QString>> absent = {
         {"mnuMkvr4410", QStringLiteral("The KVR4410F manual")},

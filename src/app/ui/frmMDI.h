@@ -20,6 +20,9 @@ public:
     // A menu item or menu by control name, e.g. "mnuFNew", "mnuOP(3)".
     QAction *Item(const QString &controlName) const;
     QMenu *Menu(const QString &controlName) const;
+    // Lists the visible child windows at the end of the Window menu, the
+    // active one ticked, as an MDI window list does.
+    void UpdateWindowList();
 
     static QString ArrayName(const QString &name, int index);
 
@@ -36,6 +39,8 @@ public:
     void SetCloseGuard(std::function<bool()> guard) { m_closeGuard = std::move(guard); }
 
 signals:
+    // The Window menu's item for the interactive window, hidden or not.
+    void TerminalRequested();
     // A port item was chosen: 0 for the remote board, 1-20 for COM1-COM20.
     void PortRequested(int port);
     // The computer type or link was changed in the computer dialog.
