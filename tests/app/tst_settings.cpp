@@ -127,6 +127,51 @@ private slots:
         QVERIFY(text.contains("Baud rate=4800\r\n"));
     }
 
+    void linesTheProgramDoesNotOwnSurvive()
+    {
+        const QByteArray before = "; kept by hand\r\n[Parameters]\r\n; the lab board is slow\r\n"
+                                  "Baud rate = \"4800\"\r\nbaud rate=9600\r\n\r\n[Tools]\r\nEditor=vim\r\n";
+        IniFile ini;
+        ini.Parse(before);
+        QCOMPARE(ini.Bytes(), before); // nothing changed: every byte as it was
+        QCOMPARE(ini.Value(QStringLiteral("parameters"), QStringLiteral("BAUD RATE"), {}), QStringLiteral("4800"));
+
+        test::WriteAll(m_ini, before);
+        Settings s;
+        ReadSettings(s, m_ini, QStringLiteral("/win/"));
+        QVERIFY(WriteSettings(s, m_ini));
+        const QByteArray after = test::ReadAll(m_ini);
+        for (const char *kept : {"; kept by hand\r\n[Parameters]\r\n; the lab board is slow\r\n",
+                                 "Baud rate = \"4800\"\r\n", "baud rate=9600\r\n", "[Tools]\r\nEditor=vim\r\n"})
+            QVERIFY2(after.contains(kept), kept);
+    }
+
+    void anyPathRoundTrips_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("path");
+        QTest::newRow("older Latin-1 file") << QByteArray("[Parameters]\r\nCurrent .KVR file=/home/J\xfcrgen/A.KVR\r\n")
+                                            << QStringLiteral("/home/J\u00fcrgen/A.KVR");
+        QTest::newRow("Polish name") << QByteArray() << QStringLiteral("/home/\u0141ukasz/A.KVR");
+        QTest::newRow("Cyrillic name") << QByteArray() << QStringLiteral("/home/\u0414\u0438\u043c\u0430/A.KVR");
+    }
+    void anyPathRoundTrips()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, path);
+        Settings s;
+        if (!file.isEmpty()) {
+            test::WriteAll(m_ini, file);
+            ReadSettings(s, m_ini, QStringLiteral("/win/"));
+            QCOMPARE(s.currentFile, path);
+        }
+        s.currentFile = path;
+        QVERIFY(WriteSettings(s, m_ini));
+        Settings back;
+        ReadSettings(back, m_ini, QStringLiteral("/win/"));
+        QCOMPARE(back.currentFile, path);
+    }
+
     void serialDevicesEditable()
     {
         test::WriteAll(m_ini, "[Serial devices]\r\ncom3=/dev/ttyXR0\r\n");
