@@ -49,7 +49,9 @@ Paths::Paths(const QString &settingsDir)
         const QString root = QDir(settingsDir).absolutePath();
         m_windows = WithTrailingSeparator(root);
         m_program = WithTrailingSeparator(root + QStringLiteral("/program"));
-        m_kvrHome = WithTrailingSeparator(root + QStringLiteral("/KVR"));
+        // The user's own KVR folder (a library INCLUDE finds) is not part of
+        // a set-up: it stays in the home folder.
+        m_kvrHome = WithTrailingSeparator(QDir::homePath() + QStringLiteral("/KVR"));
     }
 }
 

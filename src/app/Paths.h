@@ -9,8 +9,9 @@ namespace kvr {
 class Paths {
 public:
     // `settingsDir` empty: the per-user configuration and data folders.
-    // Otherwise everything lives below `settingsDir`, so several set-ups
-    // and portable installs can coexist.
+    // Otherwise the settings and the program folder live below
+    // `settingsDir`, so several set-ups and portable installs can coexist;
+    // the KVR folder stays the one in the user's home.
     explicit Paths(const QString &settingsDir = QString());
 
     QString WindowsFolder() const { return m_windows; }   // trailing '/'

@@ -61,7 +61,8 @@ void TestSearchPaths::DefaultSearchPathsOrder()
 {
     const Paths paths(QStringLiteral("/s"));
     QCOMPARE(DefaultSearchPaths(paths),
-             QStringLiteral("/s/program/;/s/program/KVR4410/;/s/program/KVR6630/;/s/KVR/;"));
+             QStringLiteral("/s/program/;/s/program/KVR4410/;/s/program/KVR6630/;") + QDir::homePath()
+                 + QStringLiteral("/KVR/;"));
     QCOMPARE(SearchList(QStringLiteral("/w"), QStringLiteral("/x/;"), QStringLiteral("/d/;")),
              QStringLiteral("/w/;/x/;/d/;"));
 }

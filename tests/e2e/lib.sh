@@ -96,11 +96,12 @@ wait_window() {
 }
 
 # keys WINDOW KEY...: activates the window, then presses the keys in it.
+# --clearmodifiers: the Caps Lock option locks the keyboard's Caps Lock.
 keys() {
     local wid=$1
     shift
     xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
-    xdotool key --delay 40 "$@"
+    xdotool key --clearmodifiers --delay 40 "$@"
 }
 
 # type_text WINDOW TEXT: types into the focused window.
@@ -108,7 +109,7 @@ type_text() {
     local wid=$1
     shift
     xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
-    xdotool type --delay 30 "$*"
+    xdotool type --clearmodifiers --delay 30 "$*"
 }
 
 screenshot() {

@@ -15,15 +15,15 @@ capture_answer() {
     local dialog
     dialog=$(wait_window 10 '^Capture to file$')
     xdotool windowactivate --sync "$dialog" 2>/dev/null || true
-    xdotool key --delay 20 ctrl+a
-    xdotool type --delay 10 "$capture"
+    xdotool key --clearmodifiers --delay 20 ctrl+a
+    xdotool type --clearmodifiers --delay 10 "$capture"
     xdotool key Return
     keys "$(wait_window 10 '^KVR-PC for Windows$')" Return
     wait_until 10 test -f "$capture" || fail "$name: capture file not created"
 
     # The terminal has the focus again after the dialogs.
     xdotool windowactivate --sync "$frame" 2>/dev/null || true
-    xdotool type --delay 40 "2 3 + ."
+    xdotool type --clearmodifiers --delay 40 "2 3 + ."
     xdotool key Return
     wait_until 10 grep -q '2 3 + \. 5  ok' "$capture" \
         || fail "$name: no answer 5 in the capture: $(cat -v "$capture")"
