@@ -1,39 +1,59 @@
 #include "BoardOptions.h"
-
+#include "app/CommandLineHelp.h"
+#include <QCommandLineParser>
 #include <QStringList>
 
 namespace kvr::board {
 
-QString BoardUsage()
-{
-    return QStringLiteral(
-        "Usage: kvr-board [--type 4410ANS|4410Fig|6630Fig] [--port N]\n"
-        "                 [--heartbeat-port N | --no-heartbeat] [--pty [--link PATH]]\n"
-        "                 [--baud N] [--char-time-us N] [--log FILE] [--gforth PATH]\n"
-        "A simulated KVR board: a Forth system on gforth, reached over TCP on\n"
-        "127.0.0.1 (default port 4000, heartbeat port 5300) or over a\n"
-        "pseudo-terminal that stands in for a serial port.\n"
-        "  --type T            board type (default 4410ANS)\n"
-        "  --port N            data port, 0 picks a free one\n"
-        "  --heartbeat-port N  silent heartbeat port (default 5300), 0 picks a free one\n"
-        "  --no-heartbeat      no heartbeat port\n"
-        "  --pty               a pseudo-terminal instead of TCP\n"
-        "  --link PATH         also make PATH a symbolic link to the pseudo-terminal\n"
-        "  --baud N            send at the pace of a N baud serial line\n"
-        "  --char-time-us N    lose characters arriving less than N us after the last one taken\n"
-        "  --log FILE          write every line received to FILE\n"
-        "  --gforth PATH       the gforth program to run\n"
-        "When ready it prints one line: 'listening on 127.0.0.1:PORT' or 'pty /dev/pts/N'.\n");
-}
-
 namespace {
+
+const char *BoardNotes =
+    "\nWhen ready it prints one line: 'listening on 127.0.0.1:PORT' or 'pty /dev/pts/N'.\n";
+
+struct BoardParser {
+    QCommandLineParser parser;
+    QCommandLineOption type{QStringLiteral("type"), QStringLiteral("Board type: 4410ANS (default), 4410Fig or 6630Fig."),
+                            QStringLiteral("T")};
+    QCommandLineOption port{QStringLiteral("port"), QStringLiteral("Data port (default 4000), 0 picks a free one."),
+                            QStringLiteral("N")};
+    QCommandLineOption heartbeatPort{QStringLiteral("heartbeat-port"),
+                                     QStringLiteral("Silent heartbeat port (default 5300), 0 picks a free one."),
+                                     QStringLiteral("N")};
+    QCommandLineOption noHeartbeat{QStringLiteral("no-heartbeat"), QStringLiteral("No heartbeat port.")};
+    QCommandLineOption pty{QStringLiteral("pty"), QStringLiteral("A pseudo-terminal instead of TCP.")};
+    QCommandLineOption link{QStringLiteral("link"),
+                            QStringLiteral("Also make PATH a symbolic link to the pseudo-terminal."),
+                            QStringLiteral("PATH")};
+    QCommandLineOption baud{QStringLiteral("baud"), QStringLiteral("Send at the pace of an N baud serial line."),
+                            QStringLiteral("N")};
+    QCommandLineOption charTime{QStringLiteral("char-time-us"),
+                                QStringLiteral("Lose characters arriving less than N us after the last one taken."),
+                                QStringLiteral("N")};
+    QCommandLineOption log{QStringLiteral("log"), QStringLiteral("Write every line received to FILE."),
+                           QStringLiteral("FILE")};
+    QCommandLineOption gforth{QStringLiteral("gforth"), QStringLiteral("The gforth program to run."),
+                              QStringLiteral("PATH")};
+    QCommandLineOption help{QStringList{QStringLiteral("h"), QStringLiteral("help")},
+                            QStringLiteral("Print this help and exit.")};
+    QCommandLineOption version{QStringList{QStringLiteral("v"), QStringLiteral("version")},
+                               QStringLiteral("Print the version and exit.")};
+
+    BoardParser()
+    {
+        parser.setApplicationDescription(
+            QStringLiteral("A simulated KVR board: a Forth system on gforth, reached over TCP on\n"
+                           "127.0.0.1 or over a pseudo-terminal that stands in for a serial port."));
+        parser.addOptions({type, port, heartbeatPort, noHeartbeat, pty, link, baud, charTime, log, gforth, help,
+                           version});
+    }
+};
 
 bool TakeNumber(const QString &name, const QString &text, int low, int high, int &value, QString &error)
 {
     bool ok = false;
     const int number = text.toInt(&ok);
     if (!ok || number < low || number > high) {
-        error = QStringLiteral("%1 needs a number from %2 to %3, not '%4'").arg(name).arg(low).arg(high).arg(text);
+        error = QStringLiteral("--%1 needs a number from %2 to %3, not '%4'").arg(name).arg(low).arg(high).arg(text);
         return false;
     }
     value = number;
@@ -42,63 +62,57 @@ bool TakeNumber(const QString &name, const QString &text, int low, int high, int
 
 }  // namespace
 
+QString BoardUsage()
+{
+    BoardParser board;
+    return HelpText(board.parser, QStringLiteral("kvr-board")) + QLatin1String(BoardNotes);
+}
+
 bool ParseBoardOptions(const QStringList &args, BoardOptions &options, QString &error, bool &help)
 {
+    BoardParser board;
+    QCommandLineParser &parser = board.parser;
     help = false;
-    for (int i = 1; i < args.size(); ++i) {
-        const QString &arg = args.at(i);
-        const auto needsValue = [&](QString &value) {
-            if (i + 1 >= args.size()) {
-                error = arg + QStringLiteral(" needs a value");
-                return false;
-            }
-            value = args.at(++i);
-            return true;
-        };
-        QString value;
-        if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
-            help = true;
-            return true;
-        } else if (arg == QLatin1String("--type")) {
-            if (!needsValue(value))
-                return false;
-            static const QStringList types{QStringLiteral("4410ANS"), QStringLiteral("4410Fig"), QStringLiteral("6630Fig")};
-            if (!types.contains(value)) {
-                error = QStringLiteral("unknown board type '%1' (4410ANS, 4410Fig or 6630Fig)").arg(value);
-                return false;
-            }
-            options.type = value;
-        } else if (arg == QLatin1String("--port")) {
-            if (!needsValue(value) || !TakeNumber(arg, value, 0, 65535, options.port, error))
-                return false;
-        } else if (arg == QLatin1String("--heartbeat-port")) {
-            if (!needsValue(value) || !TakeNumber(arg, value, 0, 65535, options.heartbeatPort, error))
-                return false;
-            options.heartbeatGiven = true;
-        } else if (arg == QLatin1String("--no-heartbeat")) {
-            options.heartbeat = false;
-        } else if (arg == QLatin1String("--pty")) {
-            options.pty = true;
-        } else if (arg == QLatin1String("--link")) {
-            if (!needsValue(options.linkPath))
-                return false;
-        } else if (arg == QLatin1String("--baud")) {
-            if (!needsValue(value) || !TakeNumber(arg, value, 0, 4000000, options.baud, error))
-                return false;
-        } else if (arg == QLatin1String("--char-time-us")) {
-            if (!needsValue(value) || !TakeNumber(arg, value, 0, 10000000, options.charTimeUs, error))
-                return false;
-        } else if (arg == QLatin1String("--log")) {
-            if (!needsValue(options.logPath))
-                return false;
-        } else if (arg == QLatin1String("--gforth")) {
-            if (!needsValue(options.gforth))
-                return false;
-        } else {
-            error = QStringLiteral("unknown option '%1'").arg(arg);
+    if (!parser.parse(args)) {
+        error = parser.errorText();
+        return false;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        error = QStringLiteral("unexpected argument '%1'").arg(parser.positionalArguments().first());
+        return false;
+    }
+    if (parser.isSet(board.help)) {
+        help = true;
+        return true;
+    }
+    options.showVersion = parser.isSet(board.version);
+    if (parser.isSet(board.type)) {
+        static const QStringList types{QStringLiteral("4410ANS"), QStringLiteral("4410Fig"), QStringLiteral("6630Fig")};
+        options.type = parser.value(board.type);
+        if (!types.contains(options.type)) {
+            error = QStringLiteral("unknown board type '%1' (4410ANS, 4410Fig or 6630Fig)").arg(options.type);
             return false;
         }
     }
+    const struct {
+        const QCommandLineOption &option;
+        int low, high;
+        int &value;
+    } numbers[] = {{board.port, 0, 65535, options.port},
+                   {board.heartbeatPort, 0, 65535, options.heartbeatPort},
+                   {board.baud, 0, 4000000, options.baud},
+                   {board.charTime, 0, 10000000, options.charTimeUs}};
+    for (const auto &number : numbers)
+        if (parser.isSet(number.option)
+            && !TakeNumber(number.option.names().first(), parser.value(number.option), number.low, number.high,
+                           number.value, error))
+            return false;
+    options.heartbeatGiven = parser.isSet(board.heartbeatPort);
+    options.heartbeat = !parser.isSet(board.noHeartbeat);
+    options.pty = parser.isSet(board.pty);
+    options.linkPath = parser.value(board.link);
+    options.logPath = parser.value(board.log);
+    options.gforth = parser.value(board.gforth);
     if (!options.linkPath.isEmpty() && !options.pty) {
         error = QStringLiteral("--link needs --pty");
         return false;

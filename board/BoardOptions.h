@@ -17,6 +17,7 @@ struct BoardOptions {
     int charTimeUs = 0;            // 0: no character is lost
     QString logPath;
     QString gforth;                // empty: looked up on PATH
+    bool showVersion = false;
 };
 
 // Parses argv; on failure returns false and sets error to a message

@@ -44,11 +44,15 @@ int main(int argc, char *argv[])
     QString error;
     bool help = false;
     if (!ParseBoardOptions(app.arguments(), options, error, help)) {
-        std::fprintf(stderr, "kvr-board: %s\n%s", qPrintable(error), qPrintable(BoardUsage()));
+        std::fprintf(stderr, "kvr-board: %s\n\n%s", qPrintable(error), qPrintable(BoardUsage()));
         return 2;
     }
     if (help) {
         std::printf("%s", qPrintable(BoardUsage()));
+        return 0;
+    }
+    if (options.showVersion) {
+        std::printf("kvr-board %s\n", KVR_VERSION);
         return 0;
     }
 

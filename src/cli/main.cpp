@@ -1,61 +1,86 @@
 // kvr: the KVR-PC engine without windows, for scripts and CI.
+#include "app/CommandLineHelp.h"
+#include "cli/BoardOptions.h"
 #include "cli/CompileCommand.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <cstdio>
+#include <functional>
 
 namespace {
 
-const char *Usage =
-    "Usage: kvr [--settings-dir DIR] COMMAND [ARGUMENTS]\n"
-    "\n"
-    "The KVR-PC engine without windows.\n"
-    "\n"
-    "Commands:\n"
-    "  compile FILE        compile FILE on the board (kvr compile --help)\n"
-    "\n"
-    "Options:\n"
-    "  --settings-dir DIR  keep settings and lock file in DIR for this run\n"
-    "  --version           print the version and exit\n"
-    "  --help              print this text and exit\n"
-    "\n"
-    "Settings come from KVR-PC.INI in the settings folder and are never written\n"
-    "by kvr. An intercharacter delay still \"-1\" there (a fresh folder) is measured\n"
-    "for the run, as kvr-pc measures it at its first start.\n"
-    "\n"
-    "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
-    "responding or link failure, 3 bad usage, 4 halted.\n";
+struct Command {
+    const char *name;
+    const char *summary;
+    std::function<int(const QStringList &, const QString &)> run;
+};
+
+const QList<Command> &Commands()
+{
+    static const QList<Command> commands = {
+        {"compile", "compile FILE on the board (kvr compile --help)", kvr::RunCompileCommand},
+    };
+    return commands;
+}
+
+QString Help(const QCommandLineParser &parser)
+{
+    QString text = kvr::HelpText(parser, QStringLiteral("kvr"));
+    text += QStringLiteral("\nCommands:\n");
+    for (const Command &command : Commands())
+        text += QStringLiteral("  %1 %2\n").arg(QLatin1String(command.name), -10).arg(QLatin1String(command.summary));
+    text += QStringLiteral(
+        "\n"
+        "Settings come from KVR-PC.INI in the settings folder and are never written\n"
+        "by kvr. An intercharacter delay still \"-1\" there (a fresh folder) is measured\n"
+        "for the run, as kvr-pc measures it at its first start.\n"
+        "\n"
+        "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
+        "responding or link failure, 3 bad usage, 4 halted.\n");
+    return text;
+}
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("KVR-PC"));
+    QCoreApplication::setApplicationName(QStringLiteral("kvr"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
 
-    QStringList args = QCoreApplication::arguments().mid(1);
-    if (args.contains(QStringLiteral("--version"))) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("The KVR-PC engine without windows."));
+    // Everything after the command belongs to the command's own parser.
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    const QCommandLineOption settingsDir(QStringLiteral("settings-dir"),
+                                         QStringLiteral("Keep settings and lock file in DIR for this run."),
+                                         QStringLiteral("DIR"));
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Print this help and exit."));
+    const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Print the version and exit."));
+    parser.addOptions({settingsDir, help, version});
+    parser.addPositionalArgument(QStringLiteral("COMMAND"), QStringLiteral("One of the commands below."),
+                                 QStringLiteral("COMMAND [ARGUMENTS]"));
+
+    if (!parser.parse(QCoreApplication::arguments()))
+        return kvr::UsageError(QStringLiteral("kvr"), parser.errorText(), Help(parser));
+    if (parser.isSet(version)) {
         std::printf("kvr %s\n", KVR_VERSION);
-        return 0;
+        return kvr::ExitFinished;
     }
-    // --settings-dir belongs to every command; take it out wherever it is.
-    QString settingsDir;
-    const qsizetype dirAt = args.indexOf(QStringLiteral("--settings-dir"));
-    if (dirAt >= 0) {
-        if (dirAt + 1 >= args.size()) {
-            std::fprintf(stderr, "kvr: --settings-dir needs a folder\n\n%s", Usage);
-            return 3;
-        }
-        settingsDir = args.at(dirAt + 1);
-        args.remove(dirAt, 2);
+    const QStringList rest = parser.positionalArguments();
+    if (parser.isSet(help)) {
+        std::fputs(qPrintable(Help(parser)), stdout);
+        return kvr::ExitFinished;
     }
-    if (!args.isEmpty() && args.first() == QLatin1String("compile"))
-        return kvr::RunCompileCommand(args.mid(1), settingsDir);
-    if (args.isEmpty() || args.contains(QStringLiteral("--help")) || args.contains(QStringLiteral("-h"))) {
-        std::fputs(Usage, args.isEmpty() ? stderr : stdout);
-        return args.isEmpty() ? 3 : 0;
+    if (rest.isEmpty()) {
+        std::fputs(qPrintable(Help(parser)), stderr);
+        return kvr::ExitUsage;
     }
-    std::fprintf(stderr, "kvr: unknown command '%s'\n\n%s", qPrintable(args.first()), Usage);
-    return 3;
+    for (const Command &command : Commands())
+        if (rest.first() == QLatin1String(command.name))
+            return command.run(rest.mid(1), parser.value(settingsDir));
+    return kvr::UsageError(QStringLiteral("kvr"), QStringLiteral("unknown command '%1'").arg(rest.first()),
+                           Help(parser));
 }

@@ -15,7 +15,9 @@ struct PcCommandLine {
     QString error;           // non-empty: bad usage
 };
 
+// `arguments` without the program's name; needs no application object.
 PcCommandLine ParsePcCommandLine(const QStringList &arguments);
-extern const char *PcUsage;
+// The usage text (an application object must exist).
+QString PcHelpText();
 
 } // namespace kvr

@@ -11,22 +11,23 @@
 #include <QIcon>
 #include <QTimer>
 #include <cstdio>
+#include <memory>
 
 int main(int argc, char *argv[])
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("KVR-PC"));
-    QApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
-    // Ties the windows to the installed desktop entry and its icon.
-    QApplication::setDesktopFileName(QStringLiteral("kvr-pc"));
-    QIcon icon;
-    for (const char *size : {"32", "64", "256"})
-        icon.addFile(QStringLiteral(":/icons/kvr-pc-%1.png").arg(QLatin1String(size)));
-    QApplication::setWindowIcon(icon);
-
-    const kvr::PcCommandLine commandLine = kvr::ParsePcCommandLine(QApplication::arguments().mid(1));
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const kvr::PcCommandLine commandLine = kvr::ParsePcCommandLine(arguments);
+    // Help, version and usage errors need no display: a plain application answers them.
+    std::unique_ptr<QCoreApplication> app;
+    if (commandLine.showHelp || commandLine.showVersion || !commandLine.error.isEmpty())
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    else
+        app = std::make_unique<QApplication>(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
     if (!commandLine.error.isEmpty()) {
-        std::fprintf(stderr, "kvr-pc: %s\n\n%s", qPrintable(commandLine.error), kvr::PcUsage);
+        std::fprintf(stderr, "kvr-pc: %s\n\n%s", qPrintable(commandLine.error), qPrintable(kvr::PcHelpText()));
         return 3;
     }
     if (commandLine.showVersion) {
@@ -34,9 +35,16 @@ int main(int argc, char *argv[])
         return 0;
     }
     if (commandLine.showHelp) {
-        std::fputs(kvr::PcUsage, stdout);
+        std::fputs(qPrintable(kvr::PcHelpText()), stdout);
         return 0;
     }
+    QCoreApplication::setApplicationName(QStringLiteral("KVR-PC"));
+    // Ties the windows to the installed desktop entry and its icon.
+    QApplication::setDesktopFileName(QStringLiteral("kvr-pc"));
+    QIcon icon;
+    for (const char *size : {"32", "64", "256"})
+        icon.addFile(QStringLiteral(":/icons/kvr-pc-%1.png").arg(QLatin1String(size)));
+    QApplication::setWindowIcon(icon);
 
     kvr::SystemClock clock;
     kvr::QtPrompts prompts;
@@ -61,5 +69,5 @@ int main(int argc, char *argv[])
     kvr::MainAssembly assembly(context, frame, commandLine);
     frame.show();
     QTimer::singleShot(0, &assembly, &kvr::MainAssembly::Start);
-    return app.exec();
+    return app->exec();
 }

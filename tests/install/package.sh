@@ -77,6 +77,10 @@ completion=$(PATH="$root/usr/bin:$PATH" bash -c '
 [ "$(sed -n 1p <<<"$completion")" = compile ] || fail "completion of 'kvr co': $completion"
 [ "$(sed -n 2p <<<"$completion")" = "--quick --quiet" ] || fail "completion of 'kvr compile --qu': $completion"
 
+# Help needs no display.
+env -u DISPLAY QT_QPA_PLATFORM= "$root/usr/bin/kvr-pc" --help | grep -q '^Usage: kvr-pc' \
+    || fail "kvr-pc --help does not answer without a display"
+
 # The unpacked programs work together, finding their data beside them.
 version=$("$root/usr/bin/kvr" --version)
 [ "$version" = "kvr $(dpkg-deb -f "$deb" Version)" ] || fail "kvr --version says '$version'"
