@@ -25,6 +25,8 @@ public:
     Clock &clock;
     BusyState busyState = BusyState::Idle;
     CompileOutcome compileOutcome = CompileOutcome::Running;
+    // The program is ending (its frame was closed): every wait ends at once.
+    bool closing = false;
 
     void ReadSettings();
     // Uses the board at host:port over TCP for this run only: the saved

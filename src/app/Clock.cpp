@@ -1,6 +1,7 @@
 #include "app/Clock.h"
 #include <QDateTime>
 #include <QElapsedTimer>
+#include <QThread>
 #include <QTime>
 
 namespace kvr {
@@ -18,6 +19,12 @@ quint32 SystemClock::TickCount()
 double SystemClock::SecondsSinceMidnight()
 {
     return QTime::currentTime().msecsSinceStartOfDay() / 1000.0;
+}
+
+void SystemClock::Sleep(int ms)
+{
+    if (ms > 0)
+        QThread::msleep(static_cast<unsigned long>(ms));
 }
 
 } // namespace kvr

@@ -6,7 +6,7 @@
 #include "compiler/SourceText.h"
 #include "link/Link.h"
 #include "link/TerminalHost.h"
-#include <QThread>
+#include "link/WaitGuard.h"
 #include <limits>
 
 namespace kvr {
@@ -123,7 +123,12 @@ void LineEngine::FinishTopLevel(const QString &fileName)
     m_link.SendText(EndCommand, true);
     Clock &clock = m_context.clock;
     const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
-    while (!m_receiver.ReceiveLineQuiet() && TickBefore(clock.TickCount(), deadline)) {
+    const WaitGuard guard;
+    while (!m_receiver.ReceiveLineQuiet() && !m_context.closing && m_link.Usable()) {
+        const quint32 now = clock.TickCount();
+        if (!TickBefore(now, deadline))
+            break;
+        m_link.ServeWhileWaiting(deadline - now);
     }
     const QString address = m_state.replyLine.mid(26, 4);
     const QString upper = fileName.toUpper();
@@ -198,17 +203,19 @@ void LineEngine::BoardLine(QString line)
     Clock &clock = m_context.clock;
     const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     bool complete = false;
+    const WaitGuard guard;
     for (;;) {
         complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();
-        if (complete || !TickBefore(clock.TickCount(), deadline))
+        const quint32 now = clock.TickCount();
+        // A link that is down cannot answer: no use sitting out the time-out.
+        if (complete || !TickBefore(now, deadline) || !m_link.Usable())
             break;
         // F2 handled while waiting (the TCP link yields here) sends the
         // interrupt, whose own wait takes this line's reply: stop at once
-        // and let the halt test end the run.
-        if (m_context.compileOutcome == CompileOutcome::HaltRequested)
+        // and let the halt test end the run. Closing the program halts too.
+        if (m_context.compileOutcome == CompileOutcome::HaltRequested || m_context.closing)
             return;
-        // Nothing yet: let the board's side (often on this machine) run.
-        QThread::yieldCurrentThread();
+        m_link.ServeWhileWaiting(deadline - now);
     }
 
     if (!complete) {

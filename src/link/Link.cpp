@@ -1,6 +1,9 @@
 #include "link/Link.h"
 #include "app/SpinLoop.h"
 #include "app/Text.h"
+#include "link/WaitGuard.h"
+#include <QCoreApplication>
+#include <algorithm>
 #include <cmath>
 
 namespace kvr {
@@ -60,6 +63,19 @@ void Link::ClearInput()
         m_transport->DiscardInput();
 }
 
+void Link::ServeWhileWaiting(quint32 remainingMs)
+{
+    const int slice = static_cast<int>(std::min<quint32>(remainingMs, IdleSliceMs));
+    if (m_transport && m_transport->IsUsable())
+        m_transport->WaitForData(slice);
+    else
+        m_context.clock.Sleep(slice);
+    // Paint and window-close events; the caller's WaitGuard holds back input
+    // that could start a second exchange with the board.
+    if (QCoreApplication::instance())
+        QCoreApplication::processEvents();
+}
+
 void Link::WaitForReply()
 {
     Clock &clock = m_context.clock;
@@ -70,16 +86,26 @@ void Link::WaitForReply()
         explicit Depth(int &d) : depth(d) { ++depth; }
         ~Depth() { --depth; }
     } waiting(m_waitDepth);
+    const WaitGuard guard;
     // Polls at least once, so a reply already waiting is seen even with a
     // time-out of 0.
-    do {
+    for (;;) {
         if (BytesAvailable() >= 1) {
             const QByteArray bytes = ReadBytes();
             for (char c : bytes)
                 if (static_cast<unsigned char>(c) <= 12)
                     return;
         }
-    } while (TickBefore(clock.TickCount(), deadline));
+        if (m_context.closing)
+            return;
+        // A link that is down cannot answer: no use sitting out the time-out.
+        if (!Usable())
+            break;
+        const quint32 now = clock.TickCount();
+        if (!TickBefore(now, deadline))
+            break;
+        ServeWhileWaiting(deadline - now);
+    }
     NotResponding();
 }
 
@@ -88,12 +114,19 @@ void Link::Pause(double seconds)
     Clock &clock = m_context.clock;
     const float start = static_cast<float>(clock.SecondsSinceMidnight());
     const float target = static_cast<float>(start + seconds);
+    const WaitGuard guard;
     for (;;) {
         const float now = static_cast<float>(clock.SecondsSinceMidnight());
         // The clock going back means midnight passed: the target can never
         // be reached, so the pause ends rather than hanging the program.
-        if (now >= target || now < start)
+        if (now >= target || now < start || m_context.closing)
             return;
+        const double leftMs = (static_cast<double>(target) - now) * 1000.0;
+        if (leftMs >= 2.0) {
+            clock.Sleep(static_cast<int>(std::min(leftMs - 1.0, double(IdleSliceMs))));
+            if (QCoreApplication::instance())
+                QCoreApplication::processEvents();
+        }
     }
 }
 

@@ -35,6 +35,13 @@ public:
     // The link can carry bytes now (an open port, a connected socket).
     bool Usable() const { return m_transport && m_transport->IsUsable(); }
 
+    // The longest a wait sleeps before it serves the window again.
+    static constexpr quint32 IdleSliceMs = 20;
+    // One pause inside a wait: sleeps on the link (or the clock) for up to
+    // `remainingMs`, then serves paint and close events. The caller holds a
+    // WaitGuard for the whole wait.
+    void ServeWhileWaiting(quint32 remainingMs);
+
 private:
     AppContext &m_context;
     QPointer<Transport> m_transport;

@@ -91,6 +91,12 @@ bool SerialTransport::IsUsable() const
     return m_port.isOpen();
 }
 
+void SerialTransport::WaitForData(int ms)
+{
+    if (m_port.isOpen() && m_received.isEmpty() && m_port.bytesAvailable() == 0)
+        WaitReadable(m_port.handle(), ms);
+}
+
 void SerialTransport::Close()
 {
     if (m_port.isOpen())

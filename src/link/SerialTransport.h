@@ -29,6 +29,7 @@ public:
     bool IsUsable() const override;
     void Write(const QByteArray &bytes) override;
     void Close() override;
+    void WaitForData(int ms) override;
 
 signals:
     // An error event of the port that did not end the link (a line fault,

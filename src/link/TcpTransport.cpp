@@ -84,7 +84,15 @@ void TcpTransport::CloseClient()
 
 void TcpTransport::BeforeCount()
 {
-    QCoreApplication::processEvents();
+    // Socket events only: no key or click may start a second exchange
+    // while one waits for the board.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
+void TcpTransport::WaitForData(int ms)
+{
+    if (IsUsable() && m_received.isEmpty() && m_client.bytesAvailable() == 0)
+        WaitReadable(m_client.socketDescriptor(), ms);
 }
 
 void TcpTransport::Poll()

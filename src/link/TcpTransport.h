@@ -39,6 +39,7 @@ public:
     void Close() override;
     // Closes the data socket only.
     void CloseClient();
+    void WaitForData(int ms) override;
 
 signals:
     void ClientConnected();

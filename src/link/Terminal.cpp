@@ -1,5 +1,6 @@
 #include "link/Terminal.h"
 #include "app/Text.h"
+#include "link/WaitGuard.h"
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -179,6 +180,7 @@ bool Terminal::AwaitPastedLine()
 {
     const quint32 deadline = m_context.clock.TickCount()
         + static_cast<quint32>(std::clamp(Val(m_context.settings.timeout), 0.0, 3.6e6));
+    const WaitGuard guard;
     while (TickBefore(m_context.clock.TickCount(), deadline)) {
         if (m_link.BytesAvailable() > 0) {
             const QByteArray bytes = m_link.ReadBytes();
@@ -188,7 +190,7 @@ bool Terminal::AwaitPastedLine()
         }
         if (!m_link.Usable())
             return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        m_link.ServeWhileWaiting(20);
         if (m_pasteHalted)
             return false;
     }

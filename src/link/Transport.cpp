@@ -1,4 +1,5 @@
 #include "link/Transport.h"
+#include <poll.h>
 
 namespace kvr {
 
@@ -20,6 +21,14 @@ QByteArray Transport::TakeAll()
     QByteArray bytes;
     bytes.swap(m_received);
     return bytes;
+}
+
+void Transport::WaitReadable(qintptr handle, int ms)
+{
+    if (handle < 0 || ms <= 0)
+        return;
+    pollfd line{static_cast<int>(handle), POLLIN, 0};
+    ::poll(&line, 1, ms);
 }
 
 void Transport::DiscardInput()

@@ -23,12 +23,16 @@ public:
     int Available();
     QByteArray TakeAll();
     void DiscardInput();
+    // Sleeps until bytes may have arrived, the link changed, or `ms` passed.
+    virtual void WaitForData(int ms) { Q_UNUSED(ms); }
 
 signals:
     // The link broke (device gone, peer closed): reported once.
     void LinkLost(const QString &reason);
 
 protected:
+    // Sleeps on a descriptor until it is readable (or hung up) or `ms` passed.
+    static void WaitReadable(qintptr handle, int ms);
     // Appends newly arrived bytes to m_received; must not block.
     virtual void Poll() = 0;
     // Runs before Available() counts; the TCP link yields to the event loop

@@ -2,6 +2,7 @@
 #include "app/BoardChoice.h"
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
+#include "compiler/CompileDriver.h"
 #include "compiler/ui/CompilerWindows.h"
 #include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
@@ -133,6 +134,12 @@ void MainAssembly::InstallCompiler()
         if (QAction *item = m_frame.Item(name))
             item->trigger();
     });
+    // Closing the program stops a compile: the interrupt goes out, nothing
+    // more is sent, and no wait holds the program back.
+    connect(&m_frame, &frmMDI::Closing, this, [this] {
+        if (m_context.busyState == BusyState::Compiling)
+            m_compiler->Driver().HaltCompile();
+    });
 }
 
 void MainAssembly::OpenFirstEditorWindow()
@@ -164,6 +171,9 @@ void MainAssembly::ConnectToBoard()
     // No port open: nothing to greet (the open has said why already).
     if (!m_link->CurrentTransport() || !m_link->CurrentTransport()->IsUsable())
         return;
+    // The terminal comes forward first: keys typed while the board is being
+    // greeted go to it once the greeting is over.
+    m_terminal->BringForward();
     SendStartupCommands(*m_link, m_terminal->Logic());
     m_terminal->BringForward();
 }

@@ -80,5 +80,15 @@ has_window '^KVR-PC for Windows$' && fail "the time-out ran out before the frame
 screenshot silent-board
 keys "$(wait_window 20 '^KVR-PC for Windows$')" Return   # "KVR4410ANS NOT RESPONDING. ..."
 exit_pc "$frame"
+
+# Closing the frame while the start-up line waits ends the wait and the
+# program at once, as Exit does.
+start_pc
+frame=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM5$')
+wait_until 5 painted || fail "frame not painted while the board is silent"
+xdotool windowactivate --sync "$frame" 2>/dev/null || true
+xdotool key alt+F4
+wait_exit 2 "$PC_PID" || fail "kvr-pc did not end within 2 s of closing its frame during a wait"
+[ ! -e "$SETTINGS_DIR/kvr-pc.lck" ] || fail "the lock file was left behind"
 kill -CONT "$pty_board"
 echo "terminal: ok"

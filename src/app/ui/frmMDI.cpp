@@ -264,6 +264,10 @@ void frmMDI::closeEvent(QCloseEvent *event)
         event->ignore();
         return;
     }
+    // Whatever waits for the board ends now, and a compile stops sending.
+    m_context.closing = true;
+    if (m_context.busyState == BusyState::Compiling)
+        m_context.compileOutcome = CompileOutcome::HaltRequested;
     emit Closing();
     event->accept();
 }
