@@ -84,29 +84,41 @@ private slots:
     {
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<bool>("answered");
-        QTest::newRow("line feed ends it") << QByteArray("2 3 + . 5  ok\r\n") << true;
-        QTest::newRow("NUL ends it") << QByteArray("abc\0", 4) << true;
-        QTest::newRow("form feed (12) ends it") << QByteArray("\x0c") << true;
-        QTest::newRow("bell (7) ends it") << QByteArray("x\x07") << true;
-        QTest::newRow("printable text never ends it") << QByteArray("2 3 + . 5  ok") << false;
-        QTest::newRow("carriage return never ends it") << QByteArray("ok\r\r") << false;
-        QTest::newRow("bytes above 127 do not end it") << QByteArray("\x8a\x8d\xff") << false;
-        QTest::newRow("nothing at all") << QByteArray() << false;
+        QTest::addColumn<bool>("linkDown");
+        QTest::addColumn<bool>("closing");
+        QTest::newRow("line feed ends it") << QByteArray("2 3 + . 5  ok\r\n") << true << false << false;
+        QTest::newRow("NUL ends it") << QByteArray("abc\0", 4) << true << false << false;
+        QTest::newRow("form feed (12) ends it") << QByteArray("\x0c") << true << false << false;
+        QTest::newRow("bell (7) ends it") << QByteArray("x\x07") << true << false << false;
+        QTest::newRow("printable text never ends it") << QByteArray("2 3 + . 5  ok") << false << false << false;
+        QTest::newRow("carriage return never ends it") << QByteArray("ok\r\r") << false << false << false;
+        QTest::newRow("bytes above 127 do not end it") << QByteArray("\x8a\x8d\xff") << false << false << false;
+        QTest::newRow("nothing at all") << QByteArray() << false << false << false;
+        QTest::newRow("a link that is down ends it at once") << QByteArray() << false << true << false;
+        QTest::newRow("a reply that came before the drop still counts") << QByteArray("ok\r\n") << true << true
+                                                                        << false;
+        QTest::newRow("closing the program ends it without a word") << QByteArray() << true << false << true;
     }
     void waitForReply()
     {
         QFETCH(QByteArray, reply);
         QFETCH(bool, answered);
+        QFETCH(bool, linkDown);
+        QFETCH(bool, closing);
         test::LinkFixture f;
         f.board.Inject(reply);
+        f.board.Available(); // the bytes arrive before the link goes down
+        f.board.SetUsable(!linkDown);
+        f.context.closing = closing;
         const quint32 start = f.clock.ticks;
         f.link.WaitForReply();
         QCOMPARE(f.prompts.MessageTexts().isEmpty(), answered);
         QCOMPARE(f.link.BytesAvailable(), 0); // what the wait read is consumed
         if (!answered) {
-            // Not before the time-out, and not much after it.
-            QVERIFY(f.clock.ticks - start >= 1000);
-            QVERIFY(f.clock.ticks - start <= 1003);
+            // Not before the time-out, and not much after it; at once when
+            // the link cannot answer.
+            QVERIFY(linkDown || f.clock.ticks - start >= 1000);
+            QVERIFY(f.clock.ticks - start <= (linkDown ? 3u : 1003u));
             QCOMPARE(f.prompts.shown.first().icon, PromptIcon::Exclamation);
             QCOMPARE(f.prompts.shown.first().caption, QStringLiteral("KVR-PC for Windows"));
         }

@@ -132,4 +132,16 @@ since_mark | grep -q "^: L20000 " && fail "F2 came too late to test"
 since_mark | grep -q "$end_question" && fail "halted compile asked for HERE"
 screenshot halted
 stop
+
+# --- closing the frame during a compile halts it and ends the program
+start "$src/LONG.KVR"
+keys "$FRAME" F8
+wait_until 20 eval '[ "$(sent)" -gt 100 ]' || fail "long compile did not start"
+keys "$FRAME" alt+F4
+wait_exit 2 "$PC_PID" || fail "kvr-pc still running 2 s after its frame was closed during a compile"
+before=$(sent)
+sleep 1
+[ "$(sent)" -eq "$before" ] || fail "lines still reached the board after the program ended"
+since_mark | grep -q "^: L20000 " && fail "the close came too late to test"
+[ ! -e "$SETTINGS_DIR/kvr-pc.lck" ] || fail "the lock file was left behind"
 echo "compile window: ok"
