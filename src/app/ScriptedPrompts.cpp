@@ -6,6 +6,8 @@ PromptAnswer ScriptedPrompts::Message(const QString &text, PromptIcon icon,
                                       PromptButtons buttons, const QString &caption)
 {
     shown.append({QStringLiteral("message"), caption, text, icon, buttons, {}});
+    if (onMessage)
+        onMessage(text);
     return answers.isEmpty() ? DefaultAnswer(buttons) : answers.dequeue();
 }
 

@@ -4,6 +4,7 @@
 #include "app/Prompts.h"
 #include <QList>
 #include <QQueue>
+#include <functional>
 
 namespace kvr {
 
@@ -40,6 +41,8 @@ public:
 
     QList<RecordedPrompt> shown;
     int beeps = 0;
+    // Called as a message box shows: what else the user sees at that moment.
+    std::function<void(const QString &text)> onMessage;
 
     // Texts of the message boxes shown so far.
     QStringList MessageTexts() const;

@@ -18,10 +18,11 @@ LinkController::LinkController(AppContext &context, Link &link, QObject *parent)
     : QObject(parent), m_context(context), m_link(link)
 {
     connect(&m_tcp, &TcpTransport::ClientConnected, this, [this] {
+        // The caption says connected by the time the box does.
+        emit CaptionChanged();
         m_context.prompts.Message(QStringLiteral("Connected to IP address ") + m_tcp.Host()
                                       + QStringLiteral(", port ") + QString::number(m_tcp.Port()),
                                   PromptIcon::Exclamation);
-        emit CaptionChanged();
     });
     connect(&m_tcp, &TcpTransport::ClientError, this, &LinkController::OnClientError);
     connect(&m_tcp, &TcpTransport::HeartbeatError, this, &LinkController::OnHeartbeatError);

@@ -157,7 +157,11 @@ private slots:
         f.ListenBoth();
         QSignalSpy ports(&f.controller, &LinkController::PortChanged);
         QSignalSpy statuses(&f.controller, &LinkController::StatusChanged);
+        QSignalSpy captions(&f.controller, &LinkController::CaptionChanged);
+        int captionsAtBox = -1;
+        f.prompts.onMessage = [&](const QString &) { captionsAtBox = int(captions.size()); };
         f.controller.SelectPort(0);
+        QVERIFY2(captionsAtBox > 0, "the caption was not updated before the connected box showed");
         QCOMPARE(ports.first().first().toInt(), 0);
         QCOMPARE(f.context.settings.commPort, QStringLiteral("COM0"));
         QVERIFY(f.controller.IsTcpConnected());
