@@ -44,4 +44,23 @@ sleep 0.3
 keys "$frame" x
 wait_exit 10 "$first" || fail "kvr-pc did not exit"
 test ! -f "$SETTINGS_DIR/kvr-pc.lck" || fail "lock file left behind"
+
+# A saved TCP link with the opening dialogue off: the board is greeted once
+# the connection is up, exactly once.
+start_board --log "$E2E_DIR/board.log"
+SETTINGS_DIR="$E2E_DIR/tcp-settings"
+mkdir -p "$SETTINGS_DIR"
+printf '[Parameters]\r\nCommunications port=COM0\r\nOpening dialogue=OFF\r\nRemote KVR computer IP address=127.0.0.1\r\nRemote KVR computer IP port=%s\r\nIntercharacter delay - KVR4410=0\r\n' \
+    "$BOARD_PORT" >"$SETTINGS_DIR/KVR-PC.INI"
+start_pc
+answer_boxes() {
+    local wid
+    for wid in $(xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null); do
+        keys "$wid" Return || true
+    done
+    grep -q 'HRS W! START' "$E2E_DIR/board.log"
+}
+wait_until 20 answer_boxes || fail "the start-up line never reached the board over TCP"
+sleep 1
+[ "$(grep -c 'HRS W! START' "$E2E_DIR/board.log")" -eq 1 ] || fail "the board was greeted more than once"
 echo "startup: ok"
