@@ -4,10 +4,24 @@
 
 namespace kvr {
 
-bool SetKeyboardCapsLock(bool on)
+namespace {
+Display *X11Display()
 {
     auto *x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    Display *display = x11 ? x11->display() : nullptr;
+    return x11 ? x11->display() : nullptr;
+}
+} // namespace
+
+bool KeyboardCapsLockOn()
+{
+    Display *display = X11Display();
+    XkbStateRec state{};
+    return display && XkbGetState(display, XkbUseCoreKbd, &state) == Success && (state.locked_mods & LockMask);
+}
+
+bool SetKeyboardCapsLock(bool on)
+{
+    Display *display = X11Display();
     if (!display)
         return false;
     if (!XkbLockModifiers(display, XkbUseCoreKbd, LockMask, on ? LockMask : 0))

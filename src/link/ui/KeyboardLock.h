@@ -6,5 +6,7 @@ namespace kvr {
 
 // True when the keyboard's Caps Lock is now `on`.
 bool SetKeyboardCapsLock(bool on);
+// The keyboard's Caps Lock state; false where it cannot be read.
+bool KeyboardCapsLockOn();
 
 } // namespace kvr

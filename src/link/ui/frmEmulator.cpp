@@ -84,10 +84,20 @@ frmEmulator::frmEmulator(AppContext &context, Link &link, QWidget *parent)
     ApplySettings();
 }
 
+frmEmulator::~frmEmulator()
+{
+    if (m_capsLockBefore)
+        SetKeyboardCapsLock(*m_capsLockBefore);
+}
+
 void frmEmulator::ApplyCapsLock(bool on)
 {
+    if (!m_capsLockBefore)
+        m_capsLockBefore = KeyboardCapsLockOn();
     // Off switches the keyboard's lock off too: the option was what put it on.
-    const bool switched = SetKeyboardCapsLock(on);
+    // A server that takes the request but keeps its lock (some virtual
+    // displays) is treated as one that has none.
+    const bool switched = SetKeyboardCapsLock(on) && KeyboardCapsLockOn() == on;
     m_terminal->SetCapsLockEmulated(on && !switched);
 }
 

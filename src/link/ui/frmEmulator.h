@@ -7,6 +7,7 @@
 #include "link/LinkController.h"
 #include "link/Terminal.h"
 #include <QWidget>
+#include <optional>
 
 class QLabel;
 class QScrollBar;
@@ -20,6 +21,8 @@ public:
     static constexpr int TimerIntervalMs = 50;
 
     frmEmulator(AppContext &context, Link &link, QWidget *parent = nullptr);
+    // Gives the keyboard its Caps Lock back as the program found it.
+    ~frmEmulator() override;
 
     Terminal &Logic() { return *m_terminal; }
     LinkController &Controller() { return *m_controller; }
@@ -59,6 +62,8 @@ private:
     // The line (counted from the oldest scroll-back line) and column under a point.
     QPoint TextPosition(const QPoint &pixel) const;
     void ApplyCapsLock(bool on);
+    // The keyboard's own Caps Lock before the option first switched it.
+    std::optional<bool> m_capsLockBefore;
 
     AppContext &m_context;
     Terminal *m_terminal;
