@@ -48,12 +48,19 @@ bool FindIt(FindState &state, const QString &text, int &selStart, int &selLength
     state.gLastFound = wanted;
     const int searchLength = static_cast<int>(wanted.size());
     bool going = true;
+    bool wrapped = false;
     for (;;) {
         const int s = selStart;
         int offset = s == state.gCurPos ? 1 : 0;
         if (state.gFirstTime)
             offset = 0;
-        const int found = Search(state, compared, wanted, s + offset);
+        // After the wrap the whole text is searched, the far end included:
+        // a match at position 0 (or at the very end going up) is found
+        // instead of being asked about for ever.
+        int start = s + offset;
+        if (wrapped)
+            start = state.gFindDirection == 1 ? 0 : static_cast<int>(text.size()) + 2;
+        const int found = Search(state, compared, wanted, start);
         if (found >= 0) {
             selStart = found;
             selLength = searchLength;
@@ -67,6 +74,7 @@ bool FindIt(FindState &state, const QString &text, int &selStart, int &selLength
             going = false;
             break;
         }
+        wrapped = true;
         const int size = static_cast<int>(text.size());
         selStart = state.gFindDirection == 1 ? 0 : std::max(0, size - searchLength);
         selLength = std::min(searchLength, size - selStart);

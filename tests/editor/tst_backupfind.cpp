@@ -194,9 +194,12 @@ private slots:
             << int(PromptAnswer::Yes) << backup << "BACKUP 2  \r\nX\r\n" << true << QString();
         QTest::newRow("No: untouched")
             << int(PromptAnswer::No) << backup << "PUMP TEXT\r\n" << false << QString();
-        QTest::newRow("Yes: taken whole even past 65,535 characters")
-            << int(PromptAnswer::Yes) << QByteArray(70000, 'A') << QString(70000, QLatin1Char('A'))
+        QTest::newRow("Yes: 65,535 characters and the CR LF saving added")
+            << int(PromptAnswer::Yes) << QByteArray(65535, 'A') + "\r\n" << QString(65535, QLatin1Char('A'))
             << true << QString();
+        QTest::newRow("Yes: one character more than the window holds is refused")
+            << int(PromptAnswer::Yes) << QByteArray(65536, 'A') << "PUMP TEXT\r\n" << false
+            << "The source text in this window is too long for this operation";
         QTest::newRow("Yes: a file far too large for any source is refused")
             << int(PromptAnswer::Yes) << QByteArray(17 * 1024 * 1024, 'A') << "PUMP TEXT\r\n" << false
             << "Error: " + QString::fromLocal8Bit(std::strerror(EFBIG));
@@ -302,6 +305,10 @@ private slots:
             << "X X" << "X" << 0 << 0 << 3 << QList<int>{} << QList<int>{0} << 0;
         QTest::newRow("up: wrap goes on from the end")
             << "AB x" << "AB" << 0 << 0 << 0 << QList<int>{1} << QList<int>{0} << 1;
+        QTest::newRow("down: the only match at position 0 is found after the wrap")
+            << "AB x" << "AB" << 0 << 1 << 0 << QList<int>{1} << QList<int>{0, 0} << 1;
+        QTest::newRow("up: the only match at the very end is found after the wrap")
+            << "x AB" << "AB" << 0 << 0 << 4 << QList<int>{1} << QList<int>{2, 2} << 1;
         QTest::newRow("declined wrap keeps the selection")
             << "AB" << "AB" << 0 << 1 << 0 << QList<int>{0} << QList<int>{0, 0} << 1;
         QTest::newRow("empty text asks at once, again after Yes")
