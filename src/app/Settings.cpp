@@ -189,3 +189,23 @@ bool WriteSettings(const Settings &settings, const QString &iniPath)
 }
 
 } // namespace kvr
+
+namespace kvr {
+
+QFont Settings::TextFont(int minimumSize) const
+{
+    QFont font(fontName, std::max(minimumSize, int(Val(fontSize))));
+    // A face this system lacks (the Windows default) falls back to a fixed pitch.
+    font.setStyleHint(QFont::TypeWriter);
+    font.setBold(fontBold.left(2) == QLatin1String("ON"));
+    return font;
+}
+
+void Settings::SetTextFont(const QFont &font)
+{
+    fontName = font.family().left(20);
+    fontSize = QString::number(std::max(1, font.pointSize())).left(4);
+    fontBold = font.bold() ? QStringLiteral("ON") : QStringLiteral("OFF");
+}
+
+} // namespace kvr

@@ -2,6 +2,7 @@
 // The program-wide settings record, mirrored key by key in KVR-PC.INI.
 // Every member is text: numbers and switches are converted where used.
 #include <QColor>
+#include <QFont>
 #include <QMap>
 #include <QString>
 #include <array>
@@ -47,6 +48,9 @@ struct Settings {
 
     QColor Color(ColorWindow window, bool foreground) const;
     void SetColor(ColorWindow window, bool foreground, const QColor &color);
+    // The font of the text windows (editor and terminal), at least `minimumSize` points.
+    QFont TextFont(int minimumSize = 1) const;
+    void SetTextFont(const QFont &font);
 
     // "COM1" -> the device path bound to it (empty when unbound).
     QString SerialDevice(const QString &portName) const;

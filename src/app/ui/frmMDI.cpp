@@ -182,15 +182,10 @@ void frmMDI::ChooseTerminalColor(bool foreground)
 
 void frmMDI::ChooseFont()
 {
-    Settings &s = m_context.settings;
-    QFont current(s.fontName, std::max(1, int(Val(s.fontSize))));
-    current.setBold(s.fontBold.left(2) == QLatin1String("ON"));
-    const auto font = m_context.prompts.Font(current);
+    const auto font = m_context.prompts.Font(m_context.settings.TextFont());
     if (!font)
         return;
-    s.fontName = font->family().left(20);
-    s.fontSize = QString::number(std::max(1, font->pointSize())).left(4);
-    s.fontBold = font->bold() ? QStringLiteral("ON") : QStringLiteral("OFF");
+    m_context.settings.SetTextFont(*font);
     m_context.WriteSettings();
 }
 

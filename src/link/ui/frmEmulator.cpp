@@ -133,10 +133,8 @@ void frmEmulator::ApplySettings()
     m_foreground = s.Color(ColorWindow::Emulator, true);
     // The terminal needs a fixed pitch: the configured font when it is one,
     // the system's fixed font at that size otherwise.
-    QFont font(s.fontName, std::max(6, int(Val(s.fontSize))));
-    font.setStyleHint(QFont::TypeWriter);
+    QFont font = s.TextFont(6);
     font.setFixedPitch(true);
-    font.setBold(s.fontBold.left(2) == QLatin1String("ON"));
     if (!QFontInfo(font).fixedPitch()) {
         QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
         fixed.setPointSize(font.pointSize());
