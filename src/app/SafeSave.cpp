@@ -51,6 +51,9 @@ SaveResult SaveWholeFile(const QString &path, const QByteArray &bytes)
     // Unbuffered, so a short write (disk full) is seen here rather than
     // lost inside a flush that still reports success.
     QSaveFile file(path);
+    // A writable file in a folder that takes no new files (no room for the
+    // temporary copy) is written in place rather than refused.
+    file.setDirectWriteFallback(info.exists());
     errno = 0;
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Failure(errno ? errno : EACCES);
