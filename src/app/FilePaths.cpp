@@ -18,6 +18,26 @@ QString WithTrailingSeparator(const QString &folder)
     return folder + QLatin1Char('/');
 }
 
+QString LogicalName(const QString &name)
+{
+    QString path = NormalizeSeparators(name.trimmed());
+    if (path.isEmpty())
+        return path;
+    if (QDir::isRelativePath(path))
+        path = QDir::current().absoluteFilePath(path);
+    return QDir::cleanPath(path).toUpper();
+}
+
+namespace {
+// Whether a name on disk is the one an upper-cased name stands for. The
+// upper case of some letters is longer or another letter (ß is SS, ı is I,
+// ﬁ is FI), so the disk name is upper-cased the same way, not case-folded.
+bool SameLogicalComponent(const QString &onDisk, const QString &wanted)
+{
+    return onDisk.compare(wanted, Qt::CaseInsensitive) == 0 || onDisk.toUpper() == wanted.toUpper();
+}
+} // namespace
+
 QString ResolvePath(const QString &logicalPath)
 {
     const QString path = NormalizeSeparators(logicalPath);
@@ -36,9 +56,8 @@ QString ResolvePath(const QString &logicalPath)
             if (!QFileInfo::exists(dir.filePath(part))) {
                 const QStringList entries =
                     dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-                auto it = std::find_if(entries.begin(), entries.end(), [&](const QString &e) {
-                    return e.compare(part, Qt::CaseInsensitive) == 0;
-                });
+                auto it = std::find_if(entries.begin(), entries.end(),
+                                       [&](const QString &e) { return SameLogicalComponent(e, part); });
                 if (it != entries.end())
                     chosen = *it;
                 else

@@ -6,6 +6,11 @@
 
 namespace kvr {
 
+// The logical name of a file: absolute, clean and upper-cased. The one
+// form in which names are compared (window captions, the compiler's file
+// names, the recent list).
+QString LogicalName(const QString &name);
+
 // The on-disk spelling of `logicalPath`. Components that match nothing are
 // kept as given, so the result can name a file still to be created.
 QString ResolvePath(const QString &logicalPath);

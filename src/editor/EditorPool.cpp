@@ -13,14 +13,10 @@
 
 namespace kvr {
 
-QString LogicalName(const QString &name)
+QString CantOpenFile(const QString &name, const QString &reason)
 {
-    QString path = NormalizeSeparators(name.trimmed());
-    if (path.isEmpty())
-        return path;
-    if (QDir::isRelativePath(path))
-        path = QDir::current().absoluteFilePath(path);
-    return QDir::cleanPath(path).toUpper();
+    return QStringLiteral("Can't open file: ") + name
+        + (reason.isEmpty() ? QString() : QStringLiteral("\r\n") + reason);
 }
 
 namespace {
@@ -34,10 +30,8 @@ QString ShownLine(const QString &line)
 } // namespace
 
 EditorPool::EditorPool(AppContext &context, EditorViewFactory &factory, QObject *parent)
-    : EditorHost(parent), m_context(context), m_factory(factory),
-      m_font(QFontDatabase::systemFont(QFontDatabase::FixedFont))
+    : EditorHost(parent), m_context(context), m_factory(factory), m_font(context.settings.TextFont())
 {
-    m_font.setPointSize(10);
     m_recent = ReadRecentFiles(m_context.paths.SettingsFile());
 }
 
@@ -106,10 +100,21 @@ QList<int> EditorPool::OpenIndexes() const
 
 int EditorPool::IndexOfCaption(const QString &caption) const
 {
+    // Compared as logical names: a caption and a path the compiler found
+    // (relative, through a folder, typed in another case) name one file.
+    const QString logical = IsUnnamed(caption) ? caption : LogicalName(caption);
     for (int i = 1; i < m_document.size(); ++i)
-        if (IsOpen(i) && m_document[i]->Caption() == caption)
+        if (IsOpen(i) && m_document[i]->Caption() == logical)
             return i;
     return 0;
+}
+
+QString EditorPool::DiskName(int index) const
+{
+    if (!IsOpen(index))
+        return QString();
+    const QString &disk = m_diskPath[index];
+    return disk.isEmpty() ? m_document[index]->Caption() : disk;
 }
 
 int EditorPool::FindFreeIndex()
@@ -124,6 +129,7 @@ int EditorPool::FindFreeIndex()
     m_alive.append(nullptr);
     m_fstate.append(FStateRecord{});
     m_backupDirectory.append(QString());
+    m_diskPath.append(QString());
     return UpperBound();
 }
 
@@ -135,6 +141,7 @@ EditorView *EditorPool::CreateWindow(int index)
     m_fstate[index] = FStateRecord{};
     m_fstate[index].Color = EditorColor(false).rgb();
     m_backupDirectory[index].clear();
+    m_diskPath[index].clear();
     view->Place(index);
     view->RefreshOptions();
     view->ShowRecentFiles(m_recent);
@@ -172,20 +179,23 @@ void EditorPool::OpenFile(const QString &name)
         m_document[index]->Activate();
         return;
     }
-    LoadFile(logical);
+    LoadFile(name);
 }
 
 void EditorPool::LoadFile(const QString &name)
 {
     const QString logical = LogicalName(name);
+    const QString disk =
+        ResolvePath(QDir::cleanPath(QFileInfo(NormalizeSeparators(name.trimmed())).absoluteFilePath()));
     SourceLineReader reader;
-    if (!reader.Open(logical).ok) {
-        m_context.prompts.Message(QStringLiteral("Can't open file: ") + logical,
-                                  PromptIcon::Information);
+    const ReadResult opened = reader.Open(disk);
+    if (!opened.ok) {
+        m_context.prompts.Message(CantOpenFile(disk, opened.description), PromptIcon::Information);
         return;
     }
     const int index = FindFreeIndex();
     EditorView *view = CreateWindow(index);
+    m_diskPath[index] = disk;
     QPointer<QObject> alive(view->Object());
     BusyCursor busy;
     view->SetCaption(logical);
@@ -213,6 +223,9 @@ void EditorPool::LoadFile(const QString &name)
     }
     if (cut) {
         text.truncate(MaxTextLength);
+        // Never half a line end: a lone CR would become a line of its own.
+        if (text.endsWith(QLatin1Char('\r')))
+            text.chop(1);
         m_context.prompts.Message(
             QStringLiteral("The file ") + logical
                 + QStringLiteral(" is too long to fit in the source code window, the end part is "
@@ -235,10 +248,13 @@ bool EditorPool::SaveFile(const QString &name, int index, bool keepCaption)
     if (!IsOpen(index))
         return false;
     EditorView *view = m_document[index];
+    // The window's own file keeps its disk name, whatever its caption maps to.
+    const QString &own = m_diskPath[index];
+    const QString target = !own.isEmpty() && LogicalName(name) == LogicalName(own) ? own : ResolvePath(name);
     SaveResult result;
     {
         BusyCursor busy;
-        result = SaveWholeFile(ResolvePath(name), SourceBytesForSave(view->Text()));
+        result = SaveWholeFile(target, SourceBytesForSave(view->Text()));
     }
     if (!result.Ok()) {
         if (result.error == FileError::NameOrWriteProtected)
@@ -253,6 +269,7 @@ bool EditorPool::SaveFile(const QString &name, int index, bool keepCaption)
     if (!keepCaption) {
         const QString logical = LogicalName(name);
         view->SetCaption(logical);
+        m_diskPath[index] = QFileInfo(target).absoluteFilePath();
         m_fstate[index].Dirty = false;
         m_context.settings.currentFile = logical;
         AddRecentFile(logical);
@@ -293,8 +310,18 @@ bool EditorPool::SaveAs(int index)
     if (!IsUnnamed(caption))
         m_context.settings.currentFile = caption;
     // Created under the name as the dialog gave it; captioned in upper case.
-    const QString chosen = AskSaveName(caption);
+    QString chosen = AskSaveName(caption);
     if (chosen.isEmpty())
+        return false;
+    // A name typed without an extension is a source file (the compiler
+    // takes nothing else).
+    if (!QFileInfo(chosen).fileName().contains(QLatin1Char('.')))
+        chosen += QLatin1String(".KVR");
+    const QString existing = ResolvePath(chosen);
+    if (QFileInfo(existing).isFile() && LogicalName(existing) != LogicalName(DiskName(index))
+        && m_context.prompts.Message(existing + QStringLiteral(" already exists.\r\nDo you want to replace it?"),
+                                     PromptIcon::Exclamation, PromptButtons::YesNo)
+            != PromptAnswer::Yes)
         return false;
     return SaveFile(chosen, index, false);
 }

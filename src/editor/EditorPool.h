@@ -4,6 +4,7 @@
 // load, save, save as, close, delete, the recent-file list, backups,
 // find and the window-wide editing options.
 #include "app/AppContext.h"
+#include "app/FilePaths.h"
 #include "editor/EditorHost.h"
 #include "editor/EditorView.h"
 #include "editor/FindEngine.h"
@@ -46,6 +47,8 @@ public:
     FStateRecord FState(int index) const;
     int UpperBound() const { return static_cast<int>(m_document.size()) - 1; }
     int IndexOfCaption(const QString &caption) const;
+    // The file of window `index` as named on disk (its caption when unknown).
+    QString DiskName(int index) const;
 
     int FindFreeIndex();
     int FileNew();
@@ -120,6 +123,9 @@ private:
     static bool IsUnnamed(const QString &caption);
     EditorView *CreateWindow(int index);
     QString AskSaveName(const QString &currentCaption);
+    // Whether the window can take `added` characters for `removed` ones;
+    // when it cannot, the box says so.
+    bool FitsOrSays(const EditorView *view, int removed, qsizetype added);
 
     AppContext &m_context;
     EditorViewFactory &m_factory;
@@ -127,6 +133,9 @@ private:
     QList<QPointer<QObject>> m_alive{nullptr};
     QList<FStateRecord> m_fstate{FStateRecord{}};
     QList<QString> m_backupDirectory{QString()};
+    // Each window's file as it is named on disk; the caption is its
+    // upper-cased logical name, which need not lead back to it (MAß → MASS).
+    QList<QString> m_diskPath{QString()};
     QStringList m_recent;
     int m_active = 0;
     QString m_workingFileName;
@@ -134,10 +143,10 @@ private:
     QFont m_font;
 };
 
+// The box for a file that cannot be read, with the system's reason.
+QString CantOpenFile(const QString &name, const QString &reason);
+
 // The box for a text that the window cannot take (paste, insert, restore).
 QString TooLongForOperation();
-
-// The logical name of a file: absolute, clean and upper-cased.
-QString LogicalName(const QString &name);
 
 } // namespace kvr

@@ -35,7 +35,7 @@ void EditorPool::Backup(int index)
     EditorView *view = NamedDocument(index, QStringLiteral("Backup"));
     if (!view)
         return;
-    const QString caption = view->Caption();
+    const QString caption = DiskName(index);
     if (view->Text().isEmpty()) {
         m_context.prompts.Message(QStringLiteral("This source window has no text"),
                                   PromptIcon::Exclamation);
@@ -75,7 +75,7 @@ void EditorPool::Restore(int index)
     EditorView *view = NamedDocument(index, QStringLiteral("Restore"));
     if (!view)
         return;
-    const QString caption = view->Caption();
+    const QString caption = DiskName(index);
     BackupScan scan;
     QStringList names;
     {
@@ -91,7 +91,7 @@ void EditorPool::Restore(int index)
     }
     if (names.isEmpty()) {
         if (!scan.stoppedByError)
-            m_context.prompts.Message(QStringLiteral("No backups have been made of ") + caption,
+            m_context.prompts.Message(QStringLiteral("No backups have been made of ") + view->Caption(),
                                       PromptIcon::Exclamation);
         else
             m_context.prompts.Message(QStringLiteral("Error: ") + scan.description,
@@ -99,6 +99,14 @@ void EditorPool::Restore(int index)
         return;
     }
     view->ShowBackups(names, static_cast<int>(names.size()) - 1);
+}
+
+bool EditorPool::FitsOrSays(const EditorView *view, int removed, qsizetype added)
+{
+    if (view->Text().size() - removed + added <= MaxTextLength)
+        return true;
+    m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
+    return false;
 }
 
 void EditorPool::RestoreChosen(int index, const QString &entry)
@@ -120,10 +128,15 @@ void EditorPool::RestoreChosen(int index, const QString &entry)
                                   PromptIcon::Exclamation);
         return;
     }
-    // Taken as it stands: no line checks, no trimming, no cut (a backup of
-    // a full window may end in the CR LF that saving added). Only a file
-    // far too large for any source (MaxReadBytes) is refused above.
-    const QString restored = ToCrLf(read.content);
+    // Taken as it stands: no line checks, no trimming, no cut. A backup
+    // of a full window may end in the CR LF that saving added, one more
+    // than the window holds: that pair alone is let go. Anything longer
+    // is refused whole rather than cut.
+    QString restored = ToCrLf(read.content);
+    if (restored.size() == MaxTextLength + 2 && restored.endsWith(QLatin1String("\r\n")))
+        restored.chop(2);
+    if (!FitsOrSays(view, static_cast<int>(view->Text().size()), restored.size()))
+        return;
     EditAction action;
     action.changesText = true;
     action.start = 0;
@@ -196,15 +209,12 @@ void EditorPool::InsertFile(int index)
         return;
     }
     if (!read.ok) {
-        m_context.prompts.Message(QStringLiteral("Can't open file: ") + name,
-                                  PromptIcon::Information);
+        m_context.prompts.Message(CantOpenFile(name, read.description), PromptIcon::Information);
         return;
     }
     const QString inserted = ToCrLf(read.content);
-    if (view->Text().size() - view->SelLength() + inserted.size() > MaxTextLength) {
-        m_context.prompts.Message(TooLongForOperation(), PromptIcon::Information);
+    if (!FitsOrSays(view, view->SelLength(), inserted.size()))
         return;
-    }
     EditAction action;
     action.changesText = true;
     action.start = view->SelStart();
@@ -224,6 +234,8 @@ void EditorPool::InsertDateStamp(int index)
     action.start = view->SelStart();
     action.removed = view->SelLength();
     action.inserted = DateStamp(QDateTime::currentDateTime());
+    if (!FitsOrSays(view, action.removed, action.inserted.size()))
+        return;
     action.selStart = action.start + static_cast<int>(action.inserted.size());
     view->Apply(action);
 }
@@ -286,6 +298,8 @@ void EditorPool::ChooseEditorFont()
                                  "for source code."),
             PromptIcon::Information);
     SetEditorFont(*chosen);
+    m_context.settings.SetTextFont(*chosen);
+    m_context.WriteSettings();
 }
 
 void EditorPool::SetEditorFont(const QFont &font)

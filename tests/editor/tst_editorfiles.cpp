@@ -134,12 +134,13 @@ private slots:
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<bool>("cut");
+        QTest::addColumn<int>("size");
         // 819 lines of 78 + CR LF, then 13 + CR LF: 65,535 characters.
         const QByteArray exact = Lines(819, 78) + QByteArray(13, 'B') + "\r\n";
-        QTest::newRow("exactly 65,535 loads whole") << exact << false;
-        QTest::newRow("one more line is cut") << exact + "C\r\n" << true;
-        QTest::newRow("last line without line end, one over")
-            << Lines(819, 78) + QByteArray(14, 'B') << true;
+        QTest::newRow("exactly 65,535 loads whole") << exact << false << 65535;
+        QTest::newRow("one more line is cut") << exact + "C\r\n" << true << 65535;
+        QTest::newRow("cut between CR and LF: the CR goes too")
+            << Lines(819, 78) + QByteArray(14, 'B') << true << 65534;
     }
     void textCeiling()
     {
@@ -147,12 +148,12 @@ private slots:
         QFETCH(bool, cut);
         const int index = Load(QStringLiteral("BIG.KVR"), content);
         const QString text = f->pool->Text(index);
+        QTEST(int(text.size()), "size");
+        QVERIFY(!text.endsWith(QLatin1Char('\r')));
         if (!cut) {
-            QCOMPARE(text.size(), 65535);
             QVERIFY(f->prompts.shown.isEmpty());
             return;
         }
-        QCOMPARE(text.size(), 65535);
         QCOMPARE(f->prompts.shown.size(), 1);
         QCOMPARE(f->prompts.shown[0].icon, PromptIcon::Critical);
         QCOMPARE(f->prompts.shown[0].caption, AppTitle);
@@ -261,7 +262,11 @@ private slots:
         }
         f->pool->OpenFile(path);
         QVERIFY(f->pool->OpenIndexes().isEmpty());
-        QCOMPARE(f->prompts.MessageTexts(), QStringList{QStringLiteral("Can't open file: ") + LogicalName(path)});
+        // The name as on disk and why, so the user can act on it.
+        QCOMPARE(f->prompts.MessageTexts().size(), 1);
+        const QString shown = f->prompts.MessageTexts().first();
+        QVERIFY2(shown.startsWith(QStringLiteral("Can't open file: ") + path + QStringLiteral("\r\n")), qPrintable(shown));
+        QVERIFY(shown.size() > path.size() + 19);
     }
 
     void colourDialogs_data()
@@ -343,8 +348,8 @@ private slots:
         f->pool->OpenFile(f->File(QStringLiteral("MISSING.KVR")));
         QVERIFY(f->pool->OpenIndexes().isEmpty());
         QCOMPARE(f->prompts.MessageTexts(),
-                 QStringList{QStringLiteral("Can't open file: ")
-                             + LogicalName(f->File(QStringLiteral("MISSING.KVR")))});
+                 QStringList{QStringLiteral("Can't open file: ") + f->File(QStringLiteral("MISSING.KVR"))
+                             + QStringLiteral("\r\nNo such file or directory")});
     }
 
     void recentListOrder()
@@ -402,6 +407,55 @@ private slots:
         QVERIFY(!f->pool->FState(index).Dirty);
         QCOMPARE(f->context->settings.currentFile, f->pool->Caption(index));
         QCOMPARE(ReadRecentFiles(f->context->paths.SettingsFile()).first(), f->pool->Caption(index));
+    }
+
+    // Save As, then Save: the file keeps the name it was given on disk,
+    // whatever its upper case looks like; a bare name becomes a source
+    // file; an existing file is only replaced when the user says so.
+    void saveAsThenSave_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("onDisk");
+        QTest::addColumn<QByteArray>("existing");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QByteArray>("after");
+        const QString sharpS = QString::fromUtf8("Ma\xc3\x9f.kvr");
+        QTest::newRow("sharp s") << sharpS << sharpS << QByteArray() << 0 << QByteArray("1X\r\n");
+        QTest::newRow("dotless i")
+            << QString::fromUtf8("\xc4\xb1o.kvr") << QString::fromUtf8("\xc4\xb1o.kvr") << QByteArray() << 0
+            << QByteArray("1X\r\n");
+        QTest::newRow("fi ligature")
+            << QString::fromUtf8("\xef\xac\x81le.kvr") << QString::fromUtf8("\xef\xac\x81le.kvr")
+            << QByteArray() << 0 << QByteArray("1X\r\n");
+        QTest::newRow("no extension gets .KVR") << "prog" << "prog.KVR" << QByteArray() << 0 << QByteArray("1X\r\n");
+        QTest::newRow("existing file, No: kept") << "old.kvr" << "old.kvr" << QByteArray("KEEP\r\n")
+                                                << int(PromptAnswer::No) << QByteArray("KEEP\r\n");
+        QTest::newRow("existing file, Yes: replaced") << "old.kvr" << "old.kvr" << QByteArray("KEEP\r\n")
+                                                     << int(PromptAnswer::Yes) << QByteArray("1X\r\n");
+    }
+    void saveAsThenSave()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, onDisk);
+        QFETCH(QByteArray, existing);
+        QFETCH(int, answer);
+        QFETCH(QByteArray, after);
+        if (!existing.isEmpty())
+            WriteAll(f->File(onDisk), existing);
+        const int index = f->pool->FileNew();
+        f->View(index)->Type(QStringLiteral("1"));
+        f->prompts.fileNames.enqueue(f->File(typed));
+        f->prompts.answers.enqueue(static_cast<PromptAnswer>(answer));
+        const bool saved = f->pool->SaveAs(index);
+        QCOMPARE(saved, after != existing);
+        QCOMPARE(f->prompts.MessageTexts().size(), existing.isEmpty() ? 0 : 1);
+        if (saved) {
+            f->View(index)->Type(QStringLiteral("X"));
+            QVERIFY(f->pool->Save(index));
+            QCOMPARE(f->pool->Caption(index), LogicalName(f->File(onDisk)));
+        }
+        QCOMPARE(QDir(f->dir.path()).entryList(QDir::Files), QStringList{onDisk});
+        QCOMPARE(ReadAll(f->File(onDisk)), after);
     }
 
     // Each file dialog's title and file types; a cancelled one does nothing.
@@ -479,15 +533,22 @@ private slots:
         QVERIFY(f->pool->FState(index).Dirty);
     }
 
-    void failedSaveToReadOnlyFolderKeepsOldFile_data()
+    void saveWithFolderAndFilePermissions_data()
     {
-        QTest::addColumn<bool>("readOnlyFile");
-        QTest::newRow("read-only folder") << false;
-        QTest::newRow("read-only file in a writable folder") << true;
+        QTest::addColumn<int>("folderMode");
+        QTest::addColumn<int>("fileMode");
+        QTest::addColumn<QByteArray>("after"); // the file's bytes; OLD when refused
+        QTest::newRow("read-only folder, read-only file: refused") << 0555 << 0644 << QByteArray("OLD\r\n");
+        QTest::newRow("read-only file in a writable folder: refused") << 0777 << 0444 << QByteArray("OLD\r\n");
+        QTest::newRow("writable file in a read-only folder: written in place")
+            << 0555 << 0666 << QByteArray("NEW OLD\r\n");
     }
-    void failedSaveToReadOnlyFolderKeepsOldFile()
+    void saveWithFolderAndFilePermissions()
     {
-        QFETCH(bool, readOnlyFile);
+        QFETCH(int, folderMode);
+        QFETCH(int, fileMode);
+        QFETCH(QByteArray, after);
+        const bool refused = after == "OLD\r\n";
         const QString folder = f->File(QStringLiteral("ro"));
         QDir().mkpath(folder);
         const QString path = folder + QStringLiteral("/KEEP.KVR");
@@ -497,16 +558,22 @@ private slots:
         f->View(index)->Type(QStringLiteral("NEW "));
         const QString caption = f->pool->Caption(index);
         ::chmod(QFile::encodeName(f->dir.path()).constData(), 0755);
-        ::chmod(QFile::encodeName(folder).constData(), readOnlyFile ? 0777 : 0555);
-        if (readOnlyFile)
-            ::chmod(QFile::encodeName(path).constData(), 0444);
+        ::chmod(QFile::encodeName(folder).constData(), folderMode);
+        ::chmod(QFile::encodeName(path).constData(), fileMode);
+        // The save also records the file in the recent list.
+        const QString settings = f->context->paths.SettingsFile();
+        ::chmod(QFile::encodeName(QFileInfo(settings).path()).constData(), 0777);
+        ::chmod(QFile::encodeName(settings).constData(), 0666);
         f->prompts.Clear();
         const QString expected = QStringLiteral("Can't write file ") + caption
             + QStringLiteral(", it may be write-protected or not a legal file name.");
-        // 0: refused with the information box, the window as it was.
+        // 0: as expected (refused with the information box and the window
+        // as it was, or saved without a word).
         const int outcome = InChildAsNobody([&] {
-            if (f->pool->SaveFile(caption, index, false))
+            if (f->pool->SaveFile(caption, index, false) == refused)
                 return 1;
+            if (!refused)
+                return f->prompts.shown.isEmpty() && !f->pool->FState(index).Dirty ? 0 : 5;
             if (!f->pool->FState(index).Dirty || f->pool->Caption(index) != caption)
                 return 2;
             if (f->prompts.shown.size() != 1 || f->prompts.shown[0].icon != PromptIcon::Information)
@@ -516,7 +583,7 @@ private slots:
         ::chmod(QFile::encodeName(folder).constData(), 0755);
         ::chmod(QFile::encodeName(path).constData(), 0644);
         QCOMPARE(outcome, 0);
-        QCOMPARE(ReadAll(path), QByteArray("OLD\r\n"));
+        QCOMPARE(ReadAll(path), after);
         QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("KEEP.KVR")});
     }
 
@@ -640,7 +707,8 @@ private slots:
                      QStringList{QStringLiteral("The source text in this window is too long for "
                                                 "this operation")});
         if (!exists)
-            QCOMPARE(f->prompts.MessageTexts(), QStringList{QStringLiteral("Can't open file: ") + path});
+            QCOMPARE(f->prompts.MessageTexts(),
+                     QStringList{QStringLiteral("Can't open file: ") + path + QStringLiteral("\r\nNo such file or directory")});
     }
 
     void fileDelete_data()

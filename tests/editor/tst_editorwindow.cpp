@@ -160,6 +160,22 @@ private slots:
                  QStringLiteral("Line too long. Shorten to 80 characters maximum."));
     }
 
+    // The 80th character typed, then Up onto a line one short of the caret's
+    // column: the blank that pads it is no character past column 80.
+    void upPaddingAfterTypingIsNoLongLine()
+    {
+        const int index = NewWithText(QString(79, QLatin1Char('A')) + QStringLiteral("\r\n")
+                                      + QString(79, QLatin1Char('X')));
+        Edit(index)->moveCursor(QTextCursor::End);
+        QTest::keyClicks(Edit(index), QStringLiteral("Y"));
+        QTest::keyClick(Edit(index), Qt::Key_Up);
+        QCOMPARE(Pool().SelStart(index), 80);
+        QCoreApplication::processEvents();
+        QCOMPARE(m_prompts->MessageTexts(), QStringList{});
+        QTest::keyClicks(Edit(index), QStringLiteral("Z"));
+        QTRY_COMPARE(m_prompts->MessageTexts().size(), 1);
+    }
+
     void quietSettingSilencesTheBeep()
     {
         m_context->settings.quiet = QStringLiteral("ON");
@@ -229,6 +245,18 @@ private slots:
         QVERIFY(!Pool().FState(index).Dirty);
     }
 
+    void altLetterOpensTheEditorsOwnMenu()
+    {
+        const int index = NewWithText(QStringLiteral("X"));
+        Edit(index)->setFocus();
+        auto *editorFile = Window(index)->findChild<QMenu *>(QStringLiteral("mnuFile"));
+        QTest::keyClick(Edit(index), Qt::Key_F, Qt::AltModifier);
+        QTRY_VERIFY(editorFile->isVisible());
+        QVERIFY(!m_frame->menuBar()->actions().first()->menu()->isVisible());
+        editorFile->close();
+        QCOMPARE(Pool().Text(index), QStringLiteral("X"));
+    }
+
     void undoTakesAnEditBack()
     {
         const int index = NewWithText(QStringLiteral("    DUP"));
@@ -292,18 +320,52 @@ private slots:
         QCOMPARE(Pool().Text(index), QStringLiteral("abc"));
     }
 
-    void pasteTooLongIsRefused()
+    // A full window refuses whatever would grow it, and says so each time.
+    void growthPastTheCeilingIsRefusedWithABox_data()
     {
-        const int index = NewWithText(QString(65000, QLatin1Char('A')));
-        QApplication::clipboard()->setText(QString(600, QLatin1Char('B')));
+        QTest::addColumn<int>("how");
+        QTest::newRow("paste") << 0;
+        QTest::newRow("typed character") << 1;
+        QTest::newRow("Enter") << 2;
+        QTest::newRow("date stamp") << 3;
+        QTest::newRow("Tab") << 4;
+    }
+    void growthPastTheCeilingIsRefusedWithABox()
+    {
+        QFETCH(int, how);
+        m_context->settings.tabSpaces = QStringLiteral("4");
+        const QString full = QString(64, QLatin1Char('A')) + QStringLiteral("\r\n")
+            + QString(65535 - 66, QLatin1Char('B'));
+        const int index = NewWithText(full);
         Window(index)->Select(10, 0);
-        Edit(index)->paste();
+        QApplication::clipboard()->setText(QStringLiteral("X"));
+        switch (how) {
+        case 0: Edit(index)->paste(); break;
+        case 1: QTest::keyClicks(Edit(index), QStringLiteral("Q")); break;
+        case 2: QTest::keyClick(Edit(index), Qt::Key_Return); break;
+        case 3: Window(index)->findChild<QAction *>(QStringLiteral("mnuETime"))->trigger(); break;
+        default: QTest::keyClick(Edit(index), Qt::Key_Tab); break;
+        }
         QCOMPARE(m_prompts->MessageTexts(),
                  QStringList{QStringLiteral("The source text in this window is too long for this operation")});
-        QCOMPARE(Pool().Text(index).size(), 65000);
+        QCOMPARE(Pool().Text(index), full);
         QApplication::clipboard()->setText(QStringLiteral("X\nY"));
-        Edit(index)->paste();
+        Window(index)->Select(10, 4);
+        Edit(index)->paste(); // as many for as many still fits, line ends as CR LF
         QCOMPARE(Pool().Text(index).mid(10, 4), QStringLiteral("X\r\nY"));
+    }
+
+    void clipboardKeepsEveryCharacter()
+    {
+        const QString text = QString::fromLatin1("A\xa0" "B\r\n\xe9\xff");
+        const int index = NewWithText(text);
+        Window(index)->Select(0, static_cast<int>(text.size()));
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuECopy"))->trigger();
+        QCOMPARE(QApplication::clipboard()->text(), QString::fromLatin1("A\xa0" "B\n\xe9\xff"));
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuECut"))->trigger();
+        QCOMPARE(Pool().Text(index), QString());
+        Window(index)->findChild<QAction *>(QStringLiteral("mnuEPaste"))->trigger();
+        QCOMPARE(Pool().Text(index), text);
     }
 
     void everyByteSurvivesTheRealWindow()
@@ -430,6 +492,17 @@ private slots:
         Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
         QVERIFY(m_prompts->MessageTexts().isEmpty());
         QCOMPARE(Edit(index)->font().family(), fixed.family());
+        // Kept in the settings file: the next start's editors use it.
+        Settings written;
+        ReadSettings(written, m_context->paths.SettingsFile(), m_context->paths.WindowsFolder());
+        QCOMPARE(written.TextFont().family(), fixed.family());
+        QCOMPARE(written.TextFont().pointSize(), fixed.pointSize());
+        m_context->settings = written;
+        EditorWindows next(*m_context, m_area);
+        const int other = next.Pool().FileNew();
+        QCOMPARE(dynamic_cast<frmNotePad *>(next.Pool().Document(other))->Text1()->font().family(),
+                 fixed.family());
+        dynamic_cast<frmNotePad *>(next.Pool().Document(other))->Discard();
         m_prompts->fonts.enqueue(proportional);
         Window(index)->findChild<QAction *>(QStringLiteral("mnuOFont"))->trigger();
         QCOMPARE(m_prompts->MessageTexts(),

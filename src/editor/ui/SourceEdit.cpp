@@ -102,14 +102,28 @@ void SourceEdit::ApplyAction(const EditAction &action)
     if (action.wantedColumn >= 0)
         m_wantedColumn = action.wantedColumn;
     if (action.changesText) {
+        // The edit is made with the caret itself, as typing would: the
+        // change handler then measures the line the text went into, not
+        // the line the caret came from (Up/Down padding a line above).
         QTextCursor cursor = textCursor();
-        cursor.beginEditBlock();
         cursor.setPosition(DocPos(action.start));
         cursor.setPosition(DocPos(action.start + action.removed), QTextCursor::KeepAnchor);
+        setTextCursor(cursor);
+        cursor.beginEditBlock();
         cursor.insertText(ToDocumentText(action.inserted));
         cursor.endEditBlock();
+        setTextCursor(cursor);
     }
     SelectModel(action.selStart, action.selLength);
+}
+
+void SourceEdit::ApplyIfFits(const EditAction &action)
+{
+    if (action.changesText && !Fits(action.removed, static_cast<int>(action.inserted.size()))) {
+        emit TooLong();
+        return;
+    }
+    ApplyAction(action);
 }
 
 void SourceEdit::OnContentsChange(int position, int removed, int added)
@@ -155,21 +169,17 @@ void SourceEdit::keyPressEvent(QKeyEvent *event)
             emit TabToTerminal();
             return;
         }
-        const auto action = TabAction(ModelText(), SelStart(), SelLength(), m_tabSpaces);
-        if (action && Fits(action->removed, static_cast<int>(action->inserted.size())))
-            ApplyAction(*action);
+        if (const auto action = TabAction(ModelText(), SelStart(), SelLength(), m_tabSpaces))
+            ApplyIfFits(*action);
         return;
     }
     if ((key == Qt::Key_Return || key == Qt::Key_Enter) && !(mods & Qt::ControlModifier)) {
-        const EditAction action = EnterAction(ModelText(), SelStart(), SelLength());
-        if (Fits(action.removed, static_cast<int>(action.inserted.size())))
-            ApplyAction(action);
+        ApplyIfFits(EnterAction(ModelText(), SelStart(), SelLength()));
         return;
     }
     if ((key == Qt::Key_Up || key == Qt::Key_Down) && mods == Qt::NoModifier) {
-        const auto action = UpDownAction(ModelText(), SelStart(), SelLength(), key == Qt::Key_Up);
-        if (action && Fits(action->removed, static_cast<int>(action->inserted.size())))
-            ApplyAction(*action);
+        if (const auto action = UpDownAction(ModelText(), SelStart(), SelLength(), key == Qt::Key_Up))
+            ApplyIfFits(*action);
         return;
     }
     if (key == Qt::Key_Delete && mods == Qt::NoModifier) {
@@ -189,8 +199,10 @@ void SourceEdit::keyPressEvent(QKeyEvent *event)
             if (IsDiscardedChar(c.unicode()) && c.unicode() != 8 && c.unicode() != 13)
                 return;
         }
-        if (text.at(0).unicode() >= 32 && !Fits(SelLength(), static_cast<int>(text.size())))
+        if (text.at(0).unicode() >= 32 && !Fits(SelLength(), static_cast<int>(text.size()))) {
+            emit TooLong();
             return;
+        }
     }
     QPlainTextEdit::keyPressEvent(event);
 }
@@ -218,11 +230,24 @@ void SourceEdit::inputMethodEvent(QInputMethodEvent *event)
     // Composed text obeys the same rules as typed characters.
     QString commit = event->commitString();
     commit.removeIf([](QChar c) { return IsDiscardedChar(c.unicode()) || c.unicode() == 8 || c.unicode() == 13; });
-    if (!commit.isEmpty() && !Fits(SelLength(), static_cast<int>(commit.size())))
+    if (!commit.isEmpty() && !Fits(SelLength(), static_cast<int>(commit.size()))) {
         commit.clear();
+        emit TooLong();
+    }
     if (commit != event->commitString())
         event->setCommitString(commit, event->replacementStart(), event->replacementLength());
     QPlainTextEdit::inputMethodEvent(event);
+}
+
+QMimeData *SourceEdit::createMimeDataFromSelection() const
+{
+    // The document's own export turns a no-break space into a blank; the
+    // clipboard carries the selection's characters exactly.
+    QString text = textCursor().selectedText();
+    text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    auto *data = new QMimeData;
+    data->setText(text);
+    return data;
 }
 
 void SourceEdit::insertFromMimeData(const QMimeData *source)
@@ -234,7 +259,7 @@ void SourceEdit::insertFromMimeData(const QMimeData *source)
         if (c.unicode() > 255)
             c = QLatin1Char('?');
     if (!Fits(SelLength(), static_cast<int>(text.size()))) {
-        emit PasteTooLong();
+        emit TooLong();
         return;
     }
     textCursor().insertText(ToDocumentText(text));

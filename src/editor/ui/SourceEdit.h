@@ -32,7 +32,7 @@ public:
 signals:
     void Edited();
     void LineTooLong();
-    void PasteTooLong();
+    void TooLong();
     void TabToTerminal();
     void NextEditor();
     void HaltRequested();
@@ -44,11 +44,14 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    QMimeData *createMimeDataFromSelection() const override;
     void inputMethodEvent(QInputMethodEvent *event) override;
 
 private:
     void OnContentsChange(int position, int removed, int added);
     bool Fits(int removed, int added) const { return ModelLength() - removed + added <= MaxTextLength; }
+    // Applies `action` when the text can take it; otherwise says why.
+    void ApplyIfFits(const EditAction &action);
 
     LineTracker m_tracker;
     bool m_loading = false;

@@ -8,6 +8,7 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -58,6 +59,8 @@ frmNotePad::frmNotePad(EditorPool &pool, int index, QWidget *parent)
 
     m_highlighter = new ForthHighlighter(m_text->document());
     BuildMenus();
+    m_text->installEventFilter(this);
+    m_backupList->installEventFilter(this);
 
     connect(ok, &QPushButton::clicked, this, [this] {
         if (QListWidgetItem *item = m_backupList->currentItem())
@@ -68,7 +71,7 @@ frmNotePad::frmNotePad(EditorPool &pool, int index, QWidget *parent)
     connect(cancel, &QPushButton::clicked, this, [this] { m_pool.RestoreCancelled(m_index); });
     connect(m_text, &SourceEdit::Edited, this, [this] { m_pool.TextChanged(m_index); });
     connect(m_text, &SourceEdit::LineTooLong, this, [this] { m_pool.LineTooLong(); });
-    connect(m_text, &SourceEdit::PasteTooLong, this, [this] {
+    connect(m_text, &SourceEdit::TooLong, this, [this] {
         m_pool.Context().prompts.Message(TooLongForOperation(), PromptIcon::Information);
     });
     connect(m_text, &SourceEdit::TabToTerminal, &m_pool, &EditorPool::TabPressedWithoutSpaces);
@@ -288,6 +291,35 @@ void frmNotePad::closeEvent(QCloseEvent *event)
     m_pool.Unload(m_index);
 }
 
+QAction *frmNotePad::MenuForMnemonic(const QKeyEvent *key) const
+{
+    if ((key->modifiers() & (Qt::AltModifier | Qt::ControlModifier | Qt::MetaModifier)) != Qt::AltModifier)
+        return nullptr;
+    const QKeySequence pressed(key->key() | Qt::ALT);
+    for (QAction *action : menuBar()->actions()) {
+        if (action->isVisible() && action->isEnabled()
+            && QKeySequence::mnemonic(action->text()) == pressed)
+            return action;
+    }
+    return nullptr;
+}
+
+bool frmNotePad::eventFilter(QObject *watched, QEvent *event)
+{
+    // The frame's menu bar has the same mnemonics (Alt+F, Alt+O...); in an
+    // editor they open the editor's own menus.
+    if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) {
+        auto *key = static_cast<QKeyEvent *>(event);
+        if (QAction *menu = MenuForMnemonic(key)) {
+            event->accept();
+            if (event->type() == QEvent::KeyPress)
+                menuBar()->setActiveAction(menu);
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
 void frmNotePad::ShowRecentFiles(const QStringList &entries)
 {
     bool any = false;
@@ -316,7 +348,12 @@ void frmNotePad::ShowBackups(const QStringList &names, int selected)
 
 void frmNotePad::HideBackups()
 {
+    // The list had the keys; hiding it would hand them to whatever widget
+    // of the frame comes next (the terminal), not to this text.
+    const bool hadFocus = m_backups->isAncestorOf(QApplication::focusWidget());
     m_backups->hide();
+    if (hadFocus)
+        m_text->setFocus();
 }
 
 void frmNotePad::RefreshOptions()

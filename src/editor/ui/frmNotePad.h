@@ -48,9 +48,12 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void BuildMenus();
+    // The top menu of this window whose mnemonic is Alt+`key`, if any.
+    QAction *MenuForMnemonic(const QKeyEvent *key) const;
     QAction *AddAction(QMenu *menu, const QString &name, const QString &text,
                        const QKeySequence &shortcut = {});
     QWidget *ClipboardTarget() const;
