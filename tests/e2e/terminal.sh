@@ -10,6 +10,9 @@ source "$(dirname "$0")/lib.sh"
 capture_answer() {
     local frame=$1 name=$2
     local capture="$E2E_DIR/$name.cap"
+    # The start-up editor window has the keys and Alt+F would open its own
+    # File menu: bring the terminal forward first, as a user would.
+    keys "$frame" alt+w i
     # The menu opens on Alt+F before the item's letter is handled.
     keys "$frame" alt+f c
     local dialog
