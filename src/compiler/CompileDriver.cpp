@@ -78,6 +78,7 @@ bool CompileDriver::RefuseTerminalMode()
 
 void CompileDriver::CompileFile(const QString &path)
 {
+    m_selection = std::exchange(m_nextSelection, {});
     if (m_context.busyState == BusyState::BuildingDatabase) {
         m_context.prompts.Message(QStringLiteral("Wait until database complete before compiling"),
                                   PromptIcon::Exclamation);
@@ -145,12 +146,38 @@ void CompileDriver::CompileFile(const QString &path)
 
 bool CompileDriver::ShowErrorLine()
 {
+    return ShowSourceLine(m_state.CurrentFile(), ErrorLineNumber(m_report.LastLine()));
+}
+
+bool CompileDriver::ShowReportLine(int row)
+{
+    const ReportEvent event = m_report.Event(row);
+    if (!m_editor || event.file.isEmpty() || event.line <= 0)
+        return false;
+    if (ShowSourceLine(event.file, event.line))
+        return true;
+    m_editor->OpenFile(event.file);
+    return ShowSourceLine(event.file, event.line);
+}
+
+bool CompileDriver::IsSelectionFile(const QString &file) const
+{
+    return LogicalName(file) == LogicalName(SelectedFilePath());
+}
+
+bool CompileDriver::ShowSourceLine(const QString &file, int line)
+{
     if (!m_editor)
         return false;
-    // Captions are upper-cased paths; a file found through a folder typed
-    // in lower case is still the same window.
-    const int line = ErrorLineNumber(m_report.LastLine());
-    if (!m_editor->ShowLine(m_state.CurrentFile().toUpper(), line))
+    QString caption = file;
+    // The scratch file is not what the user edits: the line is shown in the
+    // window the selection came from, while that window is there.
+    if (IsSelectionFile(file) && m_selection.index
+        && m_editor->Caption(m_selection.index) == m_selection.caption) {
+        caption = m_selection.caption;
+        line += m_selection.firstLine - 1;
+    }
+    if (!m_editor->ShowLine(caption, line))
         return false;
     m_lastErrorEditor = m_editor->ActiveIndex();
     return true;
@@ -174,6 +201,8 @@ void CompileDriver::CompileSelection(int index)
         return;
     }
     m_editor->SaveBeforeCompile(index);
+    const QString before = m_editor->Text(index).left(m_editor->SelStart(index));
+    m_nextSelection = {index, m_editor->Caption(index), static_cast<int>(before.count(QLatin1Char('\n'))) + 1};
     CompileFile(path.toUpper());
 }
 

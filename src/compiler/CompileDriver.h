@@ -34,6 +34,9 @@ public:
     // Selects the line named by the last report line in the window showing
     // the current file; false when no window shows it.
     bool ShowErrorLine();
+    // Opens the file report line `row` names and selects its line; false
+    // when the line names no file and line.
+    bool ShowReportLine(int row);
     // The editor window last activated by ShowErrorLine (0 = none).
     int LastErrorEditor() const { return m_lastErrorEditor; }
 
@@ -59,7 +62,19 @@ signals:
     void RunEnded(kvr::RunEnd why);
 
 private:
+    // Where the text of SELECTED.KVR came from: the window and its line
+    // that became the file's first line.
+    struct SelectionSource {
+        int index = 0;
+        QString caption;
+        int firstLine = 0;
+    };
+
     bool RefuseTerminalMode();
+    // Selects `line` of `file` in the window that holds it, or for the
+    // selection file in the window the selection was taken from.
+    bool ShowSourceLine(const QString &file, int line);
+    bool IsSelectionFile(const QString &file) const;
 
     AppContext &m_context;
     Link &m_link;
@@ -69,6 +84,8 @@ private:
     CompileState m_state;
     LineEngine m_engine;
     int m_lastErrorEditor = 0;
+    SelectionSource m_nextSelection;
+    SelectionSource m_selection;
 };
 
 // Start of the last line beginning with ": " at or before `cursor`, or 0.

@@ -14,6 +14,7 @@ void CompileReport::ClearReport()
 {
     emit BringForwardRequested();
     m_lines.clear();
+    m_events.clear();
     emit Cleared();
 }
 
@@ -21,6 +22,7 @@ void CompileReport::AddReportLine(const QString &text, const ReportEvent &event)
 {
     const QString line = TrimBlanks(text);
     m_lines.append(line);
+    m_events.append(event);
     emit LineAdded(line, event);
     Link(m_context).BeepUnlessQuiet();
 }

@@ -27,6 +27,8 @@ public:
     void AddReportLine(const QString &text, const ReportEvent &event = {});
 
     const QStringList &Lines() const { return m_lines; }
+    // What line `row` is about; an empty event when out of range.
+    ReportEvent Event(int row) const { return m_events.value(row); }
     QString LastLine() const { return m_lines.isEmpty() ? QString() : m_lines.last(); }
 
 signals:
@@ -37,6 +39,7 @@ signals:
 private:
     AppContext &m_context;
     QStringList m_lines;
+    QList<ReportEvent> m_events;
 };
 
 } // namespace kvr

@@ -2,6 +2,7 @@
 // A compile set-up without windows: scripted prompts, a test clock, an
 // in-memory board, and fakes for the terminal window and the editor pool.
 #include "app/AppContext.h"
+#include "app/FilePaths.h"
 #include "app/ScriptedPrompts.h"
 #include "app/Text.h"
 #include "compiler/CompileDriver.h"
@@ -72,20 +73,28 @@ public:
         windows[index].selStart = start;
         windows[index].selLength = length;
     }
-    void OpenFile(const QString &name) override { opened.append(name); }
+    void OpenFile(const QString &name) override
+    {
+        opened.append(name);
+        for (const FakeWindow &window : std::as_const(windows))
+            if (window.caption == LogicalName(name))
+                return;
+        if (loadCreatesWindow)
+            windows.insert(windows.size() + 1, {LogicalName(name), loadText, 0, 0});
+    }
     void LoadFile(const QString &name) override
     {
         loaded.append(name);
         if (loadCreatesWindow)
-            windows.insert(windows.size() + 1, {name.toUpper(), loadText, 0, 0});
+            windows.insert(windows.size() + 1, {LogicalName(name), loadText, 0, 0});
     }
     void SaveBeforeCompile(int index) override { savedFrom.append(index); }
     bool ShowLine(const QString &caption, int lineNumber) override
     {
         for (auto it = windows.cbegin(); it != windows.cend(); ++it) {
-            if (it->caption == caption) {
+            if (LogicalName(it->caption) == LogicalName(caption)) {
                 active = it.key();
-                shownLines.append({caption, lineNumber});
+                shownLines.append({it->caption, lineNumber});
                 return true;
             }
         }

@@ -20,7 +20,11 @@ private slots:
     void RecentFileCompile();
     void ErrorLineSelected_data();
     void ErrorLineSelected();
-    void ErrorInIncludeOpensThatFile();
+    void ErrorInIncludeShownInItsWindow_data();
+    void ErrorInIncludeShownInItsWindow();
+    void SelectionErrorShownInSourceWindow();
+    void ReportLineOpensItsFile_data();
+    void ReportLineOpensItsFile();
     void NoEditorHost();
     void Toggles();
     void ProgressLabelsOnEveryExit_data();
@@ -185,19 +189,78 @@ void TestCompileDriver::ErrorLineSelected()
     QVERIFY(f.editor.loaded.isEmpty());
 }
 
-void TestCompileDriver::ErrorInIncludeOpensThatFile()
+void TestCompileDriver::ErrorInIncludeShownInItsWindow_data()
 {
+    QTest::addColumn<QString>("include");
+    QTest::addColumn<QString>("libPath");
+    QTest::addColumn<bool>("open");
+    QTest::newRow("beside the main file, not open: loaded") << "INCLUDE LIB" << "LIB.KVR" << false;
+    QTest::newRow("through a folder, already open: that window")
+        << "INCLUDE SUB\\LIB" << "SUB/LIB.KVR" << true;
+}
+
+void TestCompileDriver::ErrorInIncludeShownInItsWindow()
+{
+    QFETCH(QString, include);
+    QFETCH(QString, libPath);
+    QFETCH(bool, open);
     CompileFixture f;
     f.editor.loadCreatesWindow = true;
     f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
-    const QString main = f.Write("MAIN.KVR", {"INCLUDE LIB", "1 DROP"});
-    f.Write("LIB.KVR", {"2 DROP", "BAD"});
-    f.editor.windows.insert(1, {main.toUpper(), {}, 0, 0});
+    const QString main = f.Write("MAIN.KVR", {include, "1 DROP"});
+    const QString lib = f.Write(libPath, {"2 DROP", "BAD"});
+    f.editor.windows.insert(1, {LogicalName(main), {}, 0, 0});
+    if (open)
+        f.editor.windows.insert(2, {LogicalName(lib), {}, 0, 0});
     f.driver->CompileFile(main);
-    const QString lib = QFileInfo(main).absolutePath() + "/LIB.KVR";
-    QCOMPARE(f.editor.loaded, QStringList{lib});
-    QCOMPARE(f.editor.shownLines, (QList<QPair<QString, int>>{{lib.toUpper(), 2}}));
+    QCOMPARE(f.editor.loaded, open ? QStringList() : QStringList{lib});
+    QCOMPARE(f.editor.shownLines, (QList<QPair<QString, int>>{{LogicalName(lib), 2}}));
     QCOMPARE(f.Sent(), (QStringList{"2 DROP", "BAD"}));
+}
+
+// A compiled selection's error is shown in the window the text came from.
+void TestCompileDriver::SelectionErrorShownInSourceWindow()
+{
+    CompileFixture f;
+    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    const QString main = f.Write("MAIN.KVR", {"x"});
+    const QString text = QStringLiteral("1 DROP\r\n2 DROP\r\n3 DROP\r\nBAD\r\n4 DROP");
+    f.editor.windows.insert(2, {LogicalName(main), text, 8, int(text.size()) - 8});
+    f.driver->CompileSelected(2);
+    QCOMPARE(f.editor.shownLines, (QList<QPair<QString, int>>{{LogicalName(main), 4}}));
+    QVERIFY(f.editor.loaded.isEmpty());
+    QCOMPARE(f.driver->LastErrorEditor(), 2);
+}
+
+// Report lines that name a file and line open it there; others do nothing.
+void TestCompileDriver::ReportLineOpensItsFile_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("line");
+    QTest::newRow("include line: the INCLUDE in the main file") << 0 << "MAIN.KVR" << 2;
+    QTest::newRow("board error in the include file") << 1 << "LIB.KVR" << 2;
+    QTest::newRow("past the last line") << 9 << QString() << 0;
+}
+
+void TestCompileDriver::ReportLineOpensItsFile()
+{
+    QFETCH(int, row);
+    QFETCH(QString, file);
+    QFETCH(int, line);
+    CompileFixture f;
+    f.editor.loadCreatesWindow = true;
+    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    const QString main = f.Write("MAIN.KVR", {"1 DROP", "INCLUDE LIB"});
+    f.Write("LIB.KVR", {"2 DROP", "BAD"});
+    f.driver->CompileFile(main);
+    QCOMPARE(f.report->Lines().size(), 2);
+    f.editor.shownLines.clear();
+    QCOMPARE(f.driver->ShowReportLine(row), !file.isEmpty());
+    const QString path = QFileInfo(main).absolutePath() + QLatin1Char('/') + file;
+    using Shown = QList<QPair<QString, int>>;
+    const Shown expected = file.isEmpty() ? Shown() : Shown{{LogicalName(path), line}};
+    QCOMPARE(f.editor.shownLines, expected);
 }
 
 void TestCompileDriver::NoEditorHost()

@@ -237,6 +237,25 @@ void TestCompilerWindows::ReportKeys()
     w.area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(second->parentWidget()));
     QTest::keyClick(list, Qt::Key_Tab);
     QCOMPARE(w.area->activeSubWindow()->widget(), first);
+
+    // Enter and double-click on the error line go to its window and line.
+    w.compiler->BringReportForward();
+    list->window()->show();
+    QVERIFY(QTest::qWaitForWindowExposed(list->window()));
+    for (const bool enter : {true, false}) {
+        w.area->setActiveSubWindow(qobject_cast<QMdiSubWindow *>(second->parentWidget()));
+        w.f.editor.shownLines.clear();
+        list->setCurrentRow(0);
+        if (enter)
+            QTest::keyClick(list, Qt::Key_Return);
+        else {
+            const QPoint at = list->visualItemRect(list->item(0)).center();
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, at);
+            QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, at);
+        }
+        QCOMPARE(w.f.editor.shownLines, (QList<QPair<QString, int>>{{main.toUpper(), 1}}));
+        QCOMPARE(w.area->activeSubWindow()->widget(), first);
+    }
 }
 
 void TestCompilerWindows::CompileMenuItems()

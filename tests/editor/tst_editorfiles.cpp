@@ -662,13 +662,32 @@ private slots:
         QVERIFY(!f->pool->FState(a).Dirty);
     }
 
+    // The compiler names a file as it found it (through a folder in an
+    // INCLUDE, a search path, in another case): the window holding that
+    // file shows the line, and no other window opens.
+    void showLineSelectsIt_data()
+    {
+        QTest::addColumn<QString>("named");
+        QTest::newRow("the caption") << QString();
+        QTest::newRow("relative, with a backslash") << QStringLiteral("SUB\\L.KVR");
+        QTest::newRow("lower case through a dot folder") << QStringLiteral("./sub/./l.kvr");
+        QTest::newRow("search path with a trailing backslash") << QStringLiteral("%1\\L.KVR");
+    }
     void showLineSelectsIt()
     {
-        const int index = Load(QStringLiteral("L.KVR"), "ONE\r\nTWO\r\nTHREE\r\n");
-        const QString caption = f->pool->Caption(index);
-        QVERIFY(f->pool->ShowLine(caption, 2));
+        QFETCH(QString, named);
+        QDir(f->dir.path()).mkdir(QStringLiteral("sub"));
+        const int index = Load(QStringLiteral("sub/L.KVR"), "ONE\r\nTWO\r\nTHREE\r\n");
+        QDir::setCurrent(f->dir.path());
+        if (named.isEmpty())
+            named = f->pool->Caption(index);
+        named = named.arg(f->File(QStringLiteral("sub")));
+        Load(QStringLiteral("OTHER.KVR"), "X\r\n");
+        QVERIFY(f->pool->ShowLine(named, 2));
+        QCOMPARE(f->pool->ActiveIndex(), index);
         QCOMPARE(f->pool->SelStart(index), 5);
         QCOMPARE(f->pool->SelLength(index), 4); // up to the line feed
+        QCOMPARE(f->pool->OpenIndexes().size(), 2);
         QVERIFY(!f->pool->ShowLine(QStringLiteral("/NOT/OPEN.KVR"), 1));
     }
 

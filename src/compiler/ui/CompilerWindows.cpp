@@ -25,6 +25,10 @@ CompilerWindows::CompilerWindows(AppContext &context, Link &link, TerminalHost *
     connect(m_report, &CompileReport::BringForwardRequested, this, &CompilerWindows::BringReportForward);
     connect(m_status, &frmStatus::HaltRequested, m_driver, &CompileDriver::HaltCompile);
     connect(m_status, &frmStatus::EditorRequested, this, &CompilerWindows::BringErrorEditorForward);
+    connect(m_status, &frmStatus::ReportLineActivated, this, [this](int row) {
+        if (m_driver->ShowReportLine(row))
+            BringErrorEditorForward();
+    });
     connect(m_status, &frmStatus::HelpRequested, this, &CompilerWindows::HelpRequested);
     connect(m_status, &frmStatus::FrameCommand, this, &CompilerWindows::FrameCommand);
 }

@@ -36,6 +36,8 @@ frmStatus::frmStatus(AppContext &context, CompileReport &report, QWidget *parent
     m_list->setObjectName(QStringLiteral("List1"));
     m_list->setSelectionMode(QAbstractItemView::SingleSelection);
     m_list->installEventFilter(this);
+    connect(m_list, &QListWidget::itemDoubleClicked, this,
+            [this](QListWidgetItem *item) { emit ReportLineActivated(m_list->row(item)); });
     BuildMenus();
 
     connect(&m_report, &CompileReport::Cleared, this, [this] {
@@ -174,6 +176,10 @@ bool frmStatus::eventFilter(QObject *watched, QEvent *event)
         }
         if (key->key() == Qt::Key_Tab) {
             emit EditorRequested();
+            return true;
+        }
+        if ((key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) && m_list->currentRow() >= 0) {
+            emit ReportLineActivated(m_list->currentRow());
             return true;
         }
     }

@@ -34,6 +34,8 @@ signals:
     void HelpRequested(const QString &page);
     void HaltRequested();
     void EditorRequested();
+    // Double-click or Enter on report line `row`.
+    void ReportLineActivated(int row);
     // Frame commands repeated on this window's menu, by control name.
     void FrameCommand(const QString &controlName);
 
