@@ -60,6 +60,8 @@ frmNotePad::frmNotePad(EditorPool &pool, int index, QWidget *parent)
     m_highlighter = new ForthHighlighter(m_text->document());
     BuildMenus();
     m_text->installEventFilter(this);
+    // Whoever gives this window the focus means its text.
+    setFocusProxy(m_text);
     m_backupList->installEventFilter(this);
 
     connect(ok, &QPushButton::clicked, this, [this] {

@@ -21,6 +21,13 @@ Wizard question=OFF
 Intercharacter delay - KVR4410=0
 Timeout=3000
 Extra source file search paths=$extra/;
+[Colors]
+Status box background   red=255
+Status box background green=0
+Status box background  blue=255
+Status box foreground   red=0
+Status box foreground green=255
+Status box foreground  blue=255
 INI
 
 crlf "$src/MAIN.KVR" <<'SRC'
@@ -124,6 +131,91 @@ wait_until 20 eval 'since_mark | grep -q "$end_question"' || fail "second compil
 expect=$(printf ': GOOD 1 ;\n2 DROP\n: LATER 2 ;')
 [ "$(tr -d '\r' < "$src/BAD.KVR")" == "$expect" ] || fail "the failing line was not the selection: $(cat -v "$src/BAD.KVR")"
 [ "$(since_mark | grep -v -e START -e "$end_question")" == "$expect" ] || fail "board got: $(since_mark)"
+stop
+
+# --- an error in a file reached through a folder INCLUDE, followed as a
+# user would: the file's one window shows the line, a report line opens
+# its file and line, and a compiled selection's error is shown where the
+# text was selected.
+crlf "$src/FOLDER.KVR" <<'SRC'
+\ main
+INCLUDE SUB\LIB
+LIB-D DROP
+SRC
+mkdir -p "$src/SUB"
+crlf "$src/SUB/LIB.KVR" <<'SRC'
+: LIB-A 1 ;
+\ the next definition uses a word the board lacks
+: LIB-B LIB-A NO-WORD ;
+: LIB-C NO-WORD2 ;
+: LIB-D 4 ;
+SRC
+line_of() { sed -n "$2p" "$1" | tr -d '\r'; }
+errors() { since_mark | grep -c "$1" || true; }
+start "$src/FOLDER.KVR"
+keys "$FRAME" F8
+wait_until 20 eval '[ "$(errors NO-WORD)" -eq 1 ]' || fail "first error not reached"
+sleep 1
+keys "$FRAME" F8   # the library's window has the keys; F8 compiles the program
+wait_until 20 eval '[ "$(errors NO-WORD)" -eq 2 ]' || fail "second error not reached"
+sleep 1
+screenshot folder-include-error
+# Closing the library's window leaves the program's: a second window on the
+# library would take the keys instead.
+keys "$FRAME" ctrl+F4
+sleep 0.5
+keys "$FRAME" ctrl+Home
+type_text "$FRAME" '\ M '
+keys "$FRAME" ctrl+s
+wait_until 5 eval '[ "$(line_of "$src/FOLDER.KVR" 1)" == "\\ M \\ main" ]' \
+    || fail "the error opened a second window (program: $(line_of "$src/FOLDER.KVR" 1), library: $(line_of "$src/SUB/LIB.KVR" 1))"
+
+# Double-click on the report's error line: the library opens at that line.
+# The report's text is cyan; the selected line is drawn in other colours,
+# so the lowest band of cyan on the screen is the last unselected line.
+report_line_point() {
+    local shot=$E2E_DIR/report.png band
+    import -window root "$shot"
+    band=$(convert "$shot" -fill black +opaque '#00FFFF' -fill white -opaque '#00FFFF' -scale '1x!' \
+        -threshold 0 txt:- | awk -F'[,:]' '/#FFFFFF/ { if ($2 != last + 1) top = $2; last = $2 } END { print top, last }')
+    read -r band_top band_bottom <<<"$band"
+    [ -n "$band_top" ] || return 1
+    convert "$shot" -crop "x$((band_bottom - band_top + 1))+0+$band_top" +repage -fill black +opaque '#00FFFF' \
+        -trim -format "%[fx:page.x + w / 2] $(((band_top + band_bottom) / 2))\n" info:
+}
+# A click in the report's empty part brings it in front of the editors.
+import -window root "$E2E_DIR/report.png"
+read -r x y < <(convert "$E2E_DIR/report.png" -fill black +opaque '#FF00FF' -trim \
+    -format '%[fx:page.x + 10] %[fx:page.y + h - 5]\n' info:)
+xdotool mousemove --sync "$x" "$y" click 1
+sleep 0.5
+read -r x y < <(report_line_point) || fail "report line not on the screen"
+xdotool mousemove --sync "$x" "$y" click 1   # selects the include line
+sleep 0.5
+read -r x y < <(report_line_point) || fail "error line not on the screen"
+xdotool mousemove --sync "$x" "$y" click --repeat 2 --delay 80 1
+sleep 1
+screenshot report-link
+type_text "$FRAME" ': LIB-B LIB-A 2 ;'
+keys "$FRAME" ctrl+s
+wait_until 5 eval '[ "$(line_of "$src/SUB/LIB.KVR" 3)" == ": LIB-B LIB-A 2 ;" ]' \
+    || fail "double-click did not open the failing line: $(line_of "$src/SUB/LIB.KVR" 3)"
+
+# Ctrl+F8 on lines 3 to 5 of the library: the board refuses the second.
+mark
+keys "$FRAME" ctrl+Home Down Down shift+ctrl+End ctrl+F8
+wait_until 20 eval '[ "$(errors NO-WORD2)" -eq 1 ]' || fail "selection not compiled"
+sleep 1
+screenshot selection-error
+type_text "$FRAME" ': LIB-C 3 ;'
+keys "$FRAME" ctrl+s
+wait_until 5 eval '[ "$(line_of "$src/SUB/LIB.KVR" 4)" == ": LIB-C 3 ;" ]' \
+    || fail "the selection's error was not shown in its window: $(line_of "$src/SUB/LIB.KVR" 4)"
+# F8 now compiles the library, the file the selection was taken from.
+mark
+keys "$FRAME" F8
+wait_until 20 eval 'since_mark | grep -q "$end_question"' || fail "the fixed library did not finish: $(since_mark)"
+since_mark | grep -q "^: LIB-D 4 ;$" || fail "last line not compiled"
 stop
 
 # --- F2 in the editor halts a long compile
