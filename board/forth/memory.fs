@@ -1,31 +1,65 @@
 \ The board's 16-bit address space. Addresses below $10000 never belong to
 \ the host process, so they are taken as board addresses: from the start of
-\ the dictionary upwards they are the dictionary, below it a RAM area of its
-\ own. Numbers shown by . and U. that are host addresses of these areas are
-\ shown as board addresses, so what is printed can be typed back. The host
-\ compiles about four times the code a 16-bit board does, so one board byte
-\ of dictionary stands for four host bytes (a board address names the first).
+\ the dictionary to its end they are the dictionary, a 4410F's flash is a
+\ range of its own, and the rest is RAM. Numbers shown by . and U. that are
+\ host addresses of these areas are shown as board addresses, so what is
+\ printed can be typed back. The host compiles about four times the code a
+\ 16-bit board does, so one board byte of dictionary stands for four host
+\ bytes (a board address names the first).
 
 $10000 allocate throw constant low-ram
 low-ram $10000 erase
 
 variable dict-base     \ host address of the board's dictionary start
 variable board-start   \ its 16-bit board address
+variable dict-end      \ the first board address above it
 4 constant host/board   \ host bytes per board byte in the dictionary
 
-: board-room ( -- u )  $10000 board-start @ - ;
+: board-room ( -- u )  dict-end @ board-start @ - ;
+
+\ The flash of a 4410F lives in a host file (KVR_FLASH_FILE), so what is
+\ written there outlives COLD and the board itself. The file is written
+\ after every line that changed the flash.
+variable flash-base
+variable flash-size    \ 0: no flash
+variable flash-mem     \ what the board reads and writes
+variable flash-kept    \ what the file holds
+variable flash-fid
+
+: flash? ( addr -- flag )  flash-base @ - flash-size @ u< ;
+
+: flash-open ( -- )
+    flash-board 0= IF EXIT THEN
+    s" KVR_FLASH_BASE" env-number flash-base !
+    s" KVR_FLASH_SIZE" env-number flash-size !
+    flash-size @ allocate throw flash-mem !
+    flash-size @ allocate throw flash-kept !
+    flash-mem @ flash-size @ $FF fill
+    s" KVR_FLASH_FILE" getenv r/w bin open-file throw flash-fid !
+    flash-mem @ flash-size @ flash-fid @ read-file throw drop
+    flash-mem @ flash-kept @ flash-size @ move ;
+
+: flash-sync ( -- )
+    flash-size @ 0= IF EXIT THEN
+    flash-mem @ flash-size @ flash-kept @ over compare 0= IF EXIT THEN
+    0. flash-fid @ reposition-file drop
+    flash-mem @ flash-size @ flash-fid @ write-file drop
+    flash-fid @ flush-file drop
+    flash-mem @ flash-kept @ flash-size @ move ;
 
 : >real ( addr -- addr' )
-    dup $10000 u< IF
-        dup board-start @ u< IF low-ram + ELSE board-start @ - host/board * dict-base @ + THEN
-    THEN ;
+    dup $10000 u< 0= IF EXIT THEN
+    dup flash? IF flash-base @ - flash-mem @ + EXIT THEN
+    dup board-start @ dict-end @ within IF board-start @ - host/board * dict-base @ + EXIT THEN
+    low-ram + ;
 
 : >board ( addr -- addr' )
     dup dict-base @ - dup board-room host/board * u< IF
         nip host/board / board-start @ + EXIT THEN drop
-    dup low-ram - dup board-start @ u< IF nip EXIT THEN drop ;
+    dup low-ram - dup $10000 u< IF nip EXIT THEN drop ;
 
-\ The board's dictionary ends below $10000 (checked once the board is up).
+\ The board's dictionary ends below its end address (checked once the
+\ board is up).
 : ?room ( u -- )
     dict-base @ 0= IF drop EXIT THEN
     here + dict-base @ - host/board / board-room u> IF -8 throw THEN ;
