@@ -20,36 +20,36 @@ variable dict-end      \ the first board address above it
 \ The flash of a 4410F lives in a host file (KVR_FLASH_FILE), so what is
 \ written there outlives COLD and the board itself. The file is written
 \ after every line that changed the flash.
-variable flash-base
-variable flash-size    \ 0: no flash
-variable flash-mem     \ what the board reads and writes
-variable flash-kept    \ what the file holds
-variable flash-fid
+variable sim-flash-base
+variable sim-flash-size    \ 0: no flash
+variable sim-flash-mem     \ what the board reads and writes
+variable sim-flash-kept    \ what the file holds
+variable sim-flash-fid
 
-: flash? ( addr -- flag )  flash-base @ - flash-size @ u< ;
+: flash? ( addr -- flag )  sim-flash-base @ - sim-flash-size @ u< ;
 
 : flash-open ( -- )
     flash-board 0= IF EXIT THEN
-    s" KVR_FLASH_BASE" env-number flash-base !
-    s" KVR_FLASH_SIZE" env-number flash-size !
-    flash-size @ allocate throw flash-mem !
-    flash-size @ allocate throw flash-kept !
-    flash-mem @ flash-size @ $FF fill
-    s" KVR_FLASH_FILE" getenv r/w bin open-file throw flash-fid !
-    flash-mem @ flash-size @ flash-fid @ read-file throw drop
-    flash-mem @ flash-kept @ flash-size @ move ;
+    s" KVR_FLASH_BASE" env-number sim-flash-base !
+    s" KVR_FLASH_SIZE" env-number sim-flash-size !
+    sim-flash-size @ allocate throw sim-flash-mem !
+    sim-flash-size @ allocate throw sim-flash-kept !
+    sim-flash-mem @ sim-flash-size @ $FF fill
+    s" KVR_FLASH_FILE" getenv r/w bin open-file throw sim-flash-fid !
+    sim-flash-mem @ sim-flash-size @ sim-flash-fid @ read-file throw drop
+    sim-flash-mem @ sim-flash-kept @ sim-flash-size @ move ;
 
 : flash-sync ( -- )
-    flash-size @ 0= IF EXIT THEN
-    flash-mem @ flash-size @ flash-kept @ over compare 0= IF EXIT THEN
-    0. flash-fid @ reposition-file drop
-    flash-mem @ flash-size @ flash-fid @ write-file drop
-    flash-fid @ flush-file drop
-    flash-mem @ flash-kept @ flash-size @ move ;
+    sim-flash-size @ 0= IF EXIT THEN
+    sim-flash-mem @ sim-flash-size @ sim-flash-kept @ over compare 0= IF EXIT THEN
+    0. sim-flash-fid @ reposition-file drop
+    sim-flash-mem @ sim-flash-size @ sim-flash-fid @ write-file drop
+    sim-flash-fid @ flush-file drop
+    sim-flash-mem @ sim-flash-kept @ sim-flash-size @ move ;
 
 : >real ( addr -- addr' )
     dup $10000 u< 0= IF EXIT THEN
-    dup flash? IF flash-base @ - flash-mem @ + EXIT THEN
+    dup flash? IF sim-flash-base @ - sim-flash-mem @ + EXIT THEN
     dup board-start @ dict-end @ within IF board-start @ - host/board * dict-base @ + EXIT THEN
     low-ram + ;
 
