@@ -14,6 +14,7 @@ class frmMDI;
 class frmEmulator;
 class EditorHost;
 class EditorWindows;
+class PromWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -34,6 +35,7 @@ private:
     void InstallEditors();
     void InstallTerminal();
     void InstallCompiler();
+    void InstallProm();
     void OpenFirstEditorWindow();
     void PlaceTerminal();
     void ShowOpeningDialogue();
@@ -47,6 +49,7 @@ private:
     frmEmulator *m_terminal = nullptr;
     EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
+    PromWindows *m_prom = nullptr;
 };
 
 } // namespace kvr
