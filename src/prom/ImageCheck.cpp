@@ -59,9 +59,13 @@ Record ReadRecord(const QString &line, ImageFormat format, QString &fault)
         return {};
     }
     // S-records count address, data and checksum; Intel hex counts the data.
-    const int expected = srecord ? bytes[0] + 1 : bytes[0] + 5;
-    if (bytes.size() != expected || (srecord && bytes[0] < 3)) {
-        fault = QStringLiteral("%1 bytes where its count says %2").arg(bytes.size()).arg(expected);
+    const int counted = static_cast<int>(bytes.size()) - (srecord ? 1 : 5);
+    if (counted < (srecord ? 3 : 0)) {
+        fault = QStringLiteral("too short for a record");
+        return {};
+    }
+    if (counted != bytes[0]) {
+        fault = QStringLiteral("%1 bytes where its count says %2").arg(counted).arg(bytes[0]);
         return {};
     }
     int sum = 0;
