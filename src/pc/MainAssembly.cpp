@@ -94,6 +94,7 @@ void MainAssembly::InstallTerminal()
     if (!m_commandLine.simulatorHost.isEmpty())
         controller.Tcp().SetHeartbeatPort(0);
     m_frame.SetTcpConnectedProvider([&controller] { return controller.IsTcpConnected(); });
+    m_frame.SetLinkDownProvider([&controller] { return controller.DownReason(); });
     connect(&controller, &LinkController::PortChanged, &m_frame, &frmMDI::UpdateTicks);
     connect(&m_frame, &frmMDI::TerminalRequested, m_terminal, &frmEmulator::BringForward);
     connect(&controller, &LinkController::CaptionChanged, &m_frame, &frmMDI::UpdateCaption);
@@ -133,6 +134,12 @@ void MainAssembly::InstallCompiler()
     connect(m_compiler, &CompilerWindows::FrameCommand, this, [this](const QString &name) {
         if (QAction *item = m_frame.Item(name))
             item->trigger();
+    });
+    // A link lost under a compile is named in its report, next to the
+    // not-responding line the compile writes.
+    connect(&m_terminal->Controller(), &LinkController::LinkStateChanged, this, [this](const QString &reason) {
+        if (!reason.isEmpty() && m_context.busyState == BusyState::Compiling)
+            m_compiler->Driver().Report().AddReportLine(QStringLiteral("LINK DOWN: ") + reason);
     });
     // Closing the program stops a compile: the interrupt goes out, nothing
     // more is sent, and no wait holds the program back.

@@ -83,7 +83,7 @@ void frmMDI::UpdateWindowList()
 void frmMDI::UpdateCaption()
 {
     const bool connected = m_tcpConnected ? m_tcpConnected() : false;
-    setWindowTitle(CaptionText(m_context.settings, connected));
+    setWindowTitle(CaptionText(m_context.settings, connected, m_linkDown ? m_linkDown() : QString()));
 }
 
 void frmMDI::UpdateMenuState()

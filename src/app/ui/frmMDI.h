@@ -35,6 +35,7 @@ public:
 
     // Whether the TCP data connection is up, for the caption.
     void SetTcpConnectedProvider(std::function<bool()> provider) { m_tcpConnected = std::move(provider); }
+    void SetLinkDownProvider(std::function<QString()> provider) { m_linkDown = std::move(provider); }
     // Asked before the frame closes; false abandons the exit.
     void SetCloseGuard(std::function<bool()> guard) { m_closeGuard = std::move(guard); }
 
@@ -68,6 +69,7 @@ private:
     AppContext &m_context;
     QMdiArea *m_mdi;
     std::function<bool()> m_tcpConnected;
+    std::function<QString()> m_linkDown;
     std::function<bool()> m_closeGuard;
 };
 
