@@ -176,6 +176,7 @@ void TestLineEngine::LineLengthLimit_data()
     QTest::newRow("81 characters") << QString(79, 'A') + " ." << false;
     QTest::newRow("81-character comment") << "\\ " + QString(79, 'C') << false;
     QTest::newRow("trailing blanks do not count") << QString(80, 'A') + "     " << true;
+    QTest::newRow("word after 5000 blanks") << QString(5000, ' ') + "W" << false;
 }
 
 void TestLineEngine::LineLengthLimit()
