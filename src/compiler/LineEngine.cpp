@@ -206,15 +206,18 @@ void LineEngine::BoardLine(QString line)
     const WaitGuard guard;
     for (;;) {
         complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();
-        const quint32 now = clock.TickCount();
-        // A link that is down cannot answer: no use sitting out the time-out.
-        if (complete || !TickBefore(now, deadline) || !m_link.Usable())
+        if (complete)
             break;
         // F2 handled while waiting (the TCP link yields here) sends the
         // interrupt, whose own wait takes this line's reply: stop at once
-        // and let the halt test end the run. Closing the program halts too.
+        // and let the halt test end the run, before the time-out is judged,
+        // as that wait may have outlasted it. Closing the program halts too.
         if (m_context.compileOutcome == CompileOutcome::HaltRequested || m_context.closing)
             return;
+        const quint32 now = clock.TickCount();
+        // A link that is down cannot answer: no use sitting out the time-out.
+        if (!TickBefore(now, deadline) || !m_link.Usable())
+            break;
         m_link.ServeWhileWaiting(deadline - now);
     }
 

@@ -6,8 +6,10 @@ set -u
 BIN=${KVR_BIN_DIR:?}
 work=$(mktemp -d)
 board_pid=""
+mute_pid=""
 cleanup() {
     [ -n "$board_pid" ] && kill "$board_pid" 2>/dev/null && wait "$board_pid" 2>/dev/null
+    [ -n "$mute_pid" ] && kill -CONT "$mute_pid" 2>/dev/null && kill "$mute_pid" 2>/dev/null && wait "$mute_pid" 2>/dev/null
     rm -rf "$work"
 }
 trap cleanup EXIT
@@ -194,6 +196,33 @@ kill "$gone_pid"; wait "$gone_pid" 2>/dev/null
 wait "$kvr_pid"
 expect_eq "$?" 2 "board gone exit status"
 expect_eq "$(tail -n 1 "$work/gone.report")" "KVR4410 NOT RESPONDING" "board gone report"
+
+# --- a board that never answers (stopped: the system still accepts the
+# connection): Ctrl-C ends the wait at once, whatever the time-out
+"$BIN/kvr-board" --port 0 --no-heartbeat > "$work/mute.out" 2> /dev/null &
+mute_pid=$!
+mute_port=""
+for _ in $(seq 1 200); do
+    mute_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/mute.out")
+    [ -n "$mute_port" ] && break
+    sleep 0.05
+done
+kill -STOP "$mute_pid"
+mkdir -p "$work/patient"
+sed 's/^Timeout=.*/Timeout=60000\r/' "$settings/KVR-PC.INI" > "$work/patient/KVR-PC.INI"
+printf 'INCLUDE io\r\n' > "$work/src/MUTE.KVR"
+"$BIN/kvr" --settings-dir "$work/patient" compile "$work/src/MUTE.KVR" --remote "127.0.0.1:$mute_port" \
+    > "$work/mute.report" 2> "$work/err" &
+kvr_pid=$!
+for _ in $(seq 1 400); do
+    grep -q "INCLUDED" "$work/mute.report" && break
+    sleep 0.02
+done
+kill -INT "$kvr_pid"
+wait "$kvr_pid"
+expect_eq "$?" 4 "silent board halted exit status"
+expect_eq "$(tail -n 1 "$work/mute.report")" "HALTED COMPILE WITH F2" "silent board halt report"
+[ -s "$work/err" ] && fail "the halt waited for the silent board: $(cat "$work/err")"
 
 # --- the same program over a serial port (a pseudo-terminal board)
 "$BIN/kvr-board" --pty --link "$work/ttyKVR" > "$work/pty.out" 2> "$work/pty.err" &
