@@ -32,7 +32,8 @@ const char *CompileNotes =
     "without writing it; set it once in KVR-PC.INI (or start kvr-pc) to skip that.\n"
     "\n"
     "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
-    "responding or link failure, 3 bad usage, 4 halted (Ctrl-C).\n";
+    "responding, link failure or end address not confirmed, 3 bad usage,\n"
+    "4 halted (Ctrl-C).\n";
 
 struct CompileParser {
     QCommandLineParser parser;
@@ -55,6 +56,7 @@ QString OutcomeName(RunEnd end)
 {
     switch (end) {
     case RunEnd::Finished: return QStringLiteral("finished");
+    case RunEnd::EndUnconfirmed: return QStringLiteral("end-address-unconfirmed");
     case RunEnd::FileNotFound: return QStringLiteral("file-not-found");
     case RunEnd::OverLong: return QStringLiteral("over-long");
     case RunEnd::ConditionalError: return QStringLiteral("conditional-error");
@@ -74,6 +76,7 @@ int ExitFor(RunEnd end)
     case RunEnd::OverLong:
     case RunEnd::ConditionalError:
     case RunEnd::BoardError: return ExitFault;
+    case RunEnd::EndUnconfirmed:
     case RunEnd::NotResponding: return ExitLink;
     case RunEnd::Halted: return ExitHalted;
     case RunEnd::None: break;

@@ -59,12 +59,18 @@ void TestLineEngine::SendsLinesAndFinishes()
 
 void TestLineEngine::FinishedAddress_data()
 {
-    QTest::addColumn<QByteArray>("here");
+    QTest::addColumn<QByteArray>("here"); // null: no answer
     QTest::addColumn<QString>("reported");
     QTest::addColumn<QString>("address");
-    QTest::newRow("four digits") << QByteArray("8F00") << "8F00" << "8F00";
-    QTest::newRow("three digits show what follows") << QByteArray("12A") << "12A" << "12A ";
-    QTest::newRow("two digits") << QByteArray("C0") << "C0" << "C0  ";
+    QTest::addColumn<int>("runEnd");
+    const int finished = int(RunEnd::Finished);
+    const int unconfirmed = int(RunEnd::EndUnconfirmed);
+    QTest::newRow("four digits") << QByteArray("8F00") << "8F00" << "8F00" << finished;
+    QTest::newRow("three digits show what follows") << QByteArray("12A") << "12A" << "12A " << finished;
+    QTest::newRow("two digits") << QByteArray("C0") << "C0" << "C0  " << finished;
+    QTest::newRow("one digit") << QByteArray("7") << "7  o" << "7  o" << finished;
+    QTest::newRow("noise is not an address") << QByteArray("CHGI") << "CHGI" << "CHGI" << unconfirmed;
+    QTest::newRow("no answer") << QByteArray() << "" << "" << unconfirmed;
 }
 
 void TestLineEngine::FinishedAddress()
@@ -72,12 +78,16 @@ void TestLineEngine::FinishedAddress()
     QFETCH(QByteArray, here);
     QFETCH(QString, reported);
     QFETCH(QString, address);
+    QFETCH(int, runEnd);
     CompileFixture f;
     f.board.here = here;
+    if (here.isNull())
+        f.board.silent.append("BASE @ HEX HERE U. BASE !");
     const QString main = f.Write("MAIN.KVR", {"1 DROP"});
     f.driver->CompileFile(main);
-    QCOMPARE(f.report->LastLine(), ShortenPath(main) + " - FINISHED at " + reported);
+    QCOMPARE(f.report->LastLine(), (ShortenPath(main) + " - FINISHED at " + reported).trimmed());
     QCOMPARE(f.driver->State().endOfProgramAddress, address);
+    QCOMPARE(int(f.driver->State().runEnd), runEnd);
 }
 
 void TestLineEngine::BoardProgramKeepsEndAddress()

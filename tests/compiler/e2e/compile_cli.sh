@@ -198,7 +198,8 @@ expect_eq "$?" 2 "board gone exit status"
 expect_eq "$(tail -n 1 "$work/gone.report")" "KVR4410 NOT RESPONDING" "board gone report"
 
 # --- a board that never answers (stopped: the system still accepts the
-# connection): Ctrl-C ends the wait at once, whatever the time-out
+# connection): no end address is no normal end, and Ctrl-C ends the wait at
+# once, whatever the time-out
 "$BIN/kvr-board" --port 0 --no-heartbeat > "$work/mute.out" 2> /dev/null &
 mute_pid=$!
 mute_port=""
@@ -208,6 +209,11 @@ for _ in $(seq 1 200); do
     sleep 0.05
 done
 kill -STOP "$mute_pid"
+: > "$work/src/EMPTY.KVR"
+out=$("$BIN/kvr" --settings-dir "$settings" compile "$work/src/EMPTY.KVR" --json --remote "127.0.0.1:$mute_port" \
+    2>/dev/null)
+expect_eq "$?" 2 "unconfirmed end address exit status"
+echo "$out" | tail -n 1 | grep -q '"outcome":"end-address-unconfirmed"' || fail "json unconfirmed end: $out"
 mkdir -p "$work/patient"
 sed 's/^Timeout=.*/Timeout=60000\r/' "$settings/KVR-PC.INI" > "$work/patient/KVR-PC.INI"
 printf 'INCLUDE io\r\n' > "$work/src/MUTE.KVR"
