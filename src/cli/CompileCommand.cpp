@@ -3,6 +3,7 @@
 #include "cli/BoardOptions.h"
 #include "app/AppContext.h"
 #include "app/ConsolePrompts.h"
+#include "app/FilePaths.h"
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
 #include "cli/Interrupts.h"
@@ -84,6 +85,13 @@ int ExitFor(RunEnd end)
     return ExitUsage;
 }
 
+// The file on disk behind a logical name, so that an editor or a CI
+// annotation can open it; empty stays empty.
+QString DiskPath(const QString &logicalPath)
+{
+    return logicalPath.isEmpty() ? QString() : QFileInfo(ResolvePath(logicalPath)).absoluteFilePath();
+}
+
 void PrintJson(const QJsonObject &object)
 {
     std::fprintf(stdout, "%s\n", QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
@@ -157,7 +165,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     QObject::connect(&report, &CompileReport::LineAdded, [&options](const QString &text, const ReportEvent &event) {
         if (options.json) {
             PrintJson({{QStringLiteral("event"), QStringLiteral("report")},
-                       {QStringLiteral("file"), event.file},
+                       {QStringLiteral("file"), DiskPath(event.file)},
                        {QStringLiteral("line"), event.line},
                        {QStringLiteral("kind"), event.kind},
                        {QStringLiteral("text"), text}});
@@ -182,7 +190,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
 
     if (options.json) {
         PrintJson({{QStringLiteral("event"), QStringLiteral("summary")},
-                   {QStringLiteral("file"), path},
+                   {QStringLiteral("file"), DiskPath(path)},
                    {QStringLiteral("lines_sent"), driver.State().linesSent},
                    {QStringLiteral("seconds"), seconds},
                    {QStringLiteral("outcome"), OutcomeName(end)},

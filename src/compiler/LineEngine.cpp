@@ -76,8 +76,10 @@ void LineEngine::CompileNextLine(QString &fileName)
         const bool found = FindSourceFile(fileName, active.fileNumber, m_state.files, searchList, m_context.prompts);
         active.name = fileName;
         if (!found) {
-            Report(QStringLiteral("HALTED COMPILE, FILE NOT FOUND: ") + ShortenPath(fileName),
-                   QStringLiteral("file-not-found"), false);
+            // What to look at is the INCLUDE line that named the file.
+            const IncludeEntry parent = m_state.suspendedCount > 0 ? m_state.includeStack[1] : IncludeEntry{};
+            m_report.AddReportLine(QStringLiteral("HALTED COMPILE, FILE NOT FOUND: ") + ShortenPath(fileName),
+                                   {QStringLiteral("file-not-found"), parent.name, parent.lineNumber});
             EndRun(RunEnd::FileNotFound);
             return;
         }

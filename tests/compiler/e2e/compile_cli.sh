@@ -143,11 +143,15 @@ expect_eq "$?" 3 "usage exit status"
 kvr "$work/src/Main.kvr" --type 9999 > /dev/null 2>&1
 expect_eq "$?" 3 "bad type exit status"
 
-# --- JSON for CI
-out=$(kvr "$work/src/BAD.KVR" --json 2>/dev/null)
-echo "$out" | grep -q '"kind":"board-error","line":2,' || fail "json board error: $out"
+# --- JSON for CI: files as they are on disk, lines from 1
+out=$(kvr "$work/src/BAD.KVR" --json --yes 2>/dev/null)
+echo "$out" | grep -qF "\"file\":\"$work/src/BAD.KVR\",\"kind\":\"board-error\",\"line\":2," \
+    || fail "json board error: $out"
 echo "$out" | tail -n 1 | grep -q '"event":"summary".*"exit":1.*"lines_sent":2.*"outcome":"board-error"' \
     || fail "json summary: $out"
+out=$(kvr "$work/src/MISS.KVR" --json 2>/dev/null)
+echo "$out" | grep -qF "\"file\":\"$work/src/MISS.KVR\",\"kind\":\"file-not-found\",\"line\":1," \
+    || fail "json missing include: $out"
 
 # --- Ctrl-C halts a long compile as F2 does
 for i in $(seq 1 20000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
