@@ -413,12 +413,13 @@ void TestLineEngine::QuietReceiveAndProgress()
     CompileFixture f;
     f.context->settings.noCompileDisplay = QStringLiteral("ON");
     f.terminal.capacity = 2;
-    // Bit 7 set on every character, controls in the middle, text after the
-    // line feed that must not be kept, and a reply longer than 160.
+    // Bit 7 set on every character, controls in the middle, a second line
+    // in the same batch that must not be kept (it would pass for the reply
+    // to B), and a reply longer than 160.
     QByteArray marked;
     for (char c : QByteArray("X X ?  - bad"))
         marked += char(c | 0x80);
-    f.board.replies.insert("A", "A\x07 ok\r\n" "JUNK");
+    f.board.replies.insert("A", "A\x07 ok\r\n" "J ?  - stale\r\n");
     f.board.replies.insert("B", QByteArray(170, 'b') + "Z\r\n");
     f.board.replies.insert("X", marked + "\r\n");
     const QString main = f.Write("MAIN.KVR", {"A", "B", "X"});
@@ -433,9 +434,11 @@ void TestLineEngine::QuietReceiveAndProgress()
 void TestLineEngine::ShownReceivePaintsTraffic()
 {
     CompileFixture f;
-    f.board.replies.insert("A", "A ok\r\nLATER");
-    const QString main = f.Write("MAIN.KVR", {"A"});
+    // The second line of the batch is neither shown nor taken as B's reply.
+    f.board.replies.insert("A", "A ok\r\nLATER ?  - stale\r\n");
+    const QString main = f.Write("MAIN.KVR", {"A", "B"});
     f.driver->CompileFile(main);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
     QVERIFY(f.terminal.shown.startsWith("A ok\r\n"));
     QVERIFY(!f.terminal.shown.contains("LATER"));
     QCOMPARE(f.terminal.progressStates, QList<bool>{false});
