@@ -3,6 +3,7 @@
 #include "cli/BoardOptions.h"
 #include "app/AppContext.h"
 #include "app/ConsolePrompts.h"
+#include "app/FilePaths.h"
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
 #include "cli/Interrupts.h"
@@ -32,7 +33,8 @@ const char *CompileNotes =
     "without writing it; set it once in KVR-PC.INI (or start kvr-pc) to skip that.\n"
     "\n"
     "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
-    "responding or link failure, 3 bad usage, 4 halted (Ctrl-C).\n";
+    "responding, link failure or end address not confirmed, 3 bad usage,\n"
+    "4 halted (Ctrl-C).\n";
 
 struct CompileParser {
     QCommandLineParser parser;
@@ -55,6 +57,7 @@ QString OutcomeName(RunEnd end)
 {
     switch (end) {
     case RunEnd::Finished: return QStringLiteral("finished");
+    case RunEnd::EndUnconfirmed: return QStringLiteral("end-address-unconfirmed");
     case RunEnd::FileNotFound: return QStringLiteral("file-not-found");
     case RunEnd::OverLong: return QStringLiteral("over-long");
     case RunEnd::ConditionalError: return QStringLiteral("conditional-error");
@@ -74,11 +77,19 @@ int ExitFor(RunEnd end)
     case RunEnd::OverLong:
     case RunEnd::ConditionalError:
     case RunEnd::BoardError: return ExitFault;
+    case RunEnd::EndUnconfirmed:
     case RunEnd::NotResponding: return ExitLink;
     case RunEnd::Halted: return ExitHalted;
     case RunEnd::None: break;
     }
     return ExitUsage;
+}
+
+// The file on disk behind a logical name, so that an editor or a CI
+// annotation can open it; empty stays empty.
+QString DiskPath(const QString &logicalPath)
+{
+    return logicalPath.isEmpty() ? QString() : QFileInfo(ResolvePath(logicalPath)).absoluteFilePath();
 }
 
 void PrintJson(const QJsonObject &object)
@@ -154,7 +165,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     QObject::connect(&report, &CompileReport::LineAdded, [&options](const QString &text, const ReportEvent &event) {
         if (options.json) {
             PrintJson({{QStringLiteral("event"), QStringLiteral("report")},
-                       {QStringLiteral("file"), event.file},
+                       {QStringLiteral("file"), DiskPath(event.file)},
                        {QStringLiteral("line"), event.line},
                        {QStringLiteral("kind"), event.kind},
                        {QStringLiteral("text"), text}});
@@ -179,7 +190,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
 
     if (options.json) {
         PrintJson({{QStringLiteral("event"), QStringLiteral("summary")},
-                   {QStringLiteral("file"), path},
+                   {QStringLiteral("file"), DiskPath(path)},
                    {QStringLiteral("lines_sent"), driver.State().linesSent},
                    {QStringLiteral("seconds"), seconds},
                    {QStringLiteral("outcome"), OutcomeName(end)},

@@ -7,6 +7,7 @@
 #include "link/Link.h"
 #include "link/TerminalHost.h"
 #include "link/WaitGuard.h"
+#include <QRegularExpression>
 #include <limits>
 
 namespace kvr {
@@ -21,6 +22,14 @@ quint32 DeadlineAfterTimeout(Clock &clock, const QString &timeout)
 {
     const double ms = std::clamp(Val(timeout), 0.0, double(std::numeric_limits<qint32>::max()));
     return clock.TickCount() + static_cast<quint32>(ms);
+}
+
+// Whether the reply to the end command shows HERE: hexadecimal digits after
+// the echo and one blank, up to a blank or the end.
+bool ShowsEndAddress(const QString &reply)
+{
+    static const QRegularExpression hexWord(QStringLiteral("^[0-9A-Fa-f]+( |$)"));
+    return hexWord.match(QStringView(reply).mid(EndCommand.size() + 1)).hasMatch();
 }
 } // namespace
 
@@ -67,8 +76,10 @@ void LineEngine::CompileNextLine(QString &fileName)
         const bool found = FindSourceFile(fileName, active.fileNumber, m_state.files, searchList, m_context.prompts);
         active.name = fileName;
         if (!found) {
-            Report(QStringLiteral("HALTED COMPILE, FILE NOT FOUND: ") + ShortenPath(fileName),
-                   QStringLiteral("file-not-found"), false);
+            // What to look at is the INCLUDE line that named the file.
+            const IncludeEntry parent = m_state.suspendedCount > 0 ? m_state.includeStack[1] : IncludeEntry{};
+            m_report.AddReportLine(QStringLiteral("HALTED COMPILE, FILE NOT FOUND: ") + ShortenPath(fileName),
+                                   {QStringLiteral("file-not-found"), parent.name, parent.lineNumber});
             EndRun(RunEnd::FileNotFound);
             return;
         }
@@ -124,12 +135,17 @@ void LineEngine::FinishTopLevel(const QString &fileName)
     Clock &clock = m_context.clock;
     const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     const WaitGuard guard;
-    while (!m_receiver.ReceiveLineQuiet() && !m_context.closing && m_link.Usable()) {
+    bool answered = false;
+    while (!(answered = m_receiver.ReceiveLineQuiet()) && !m_context.closing && m_link.Usable()) {
         const quint32 now = clock.TickCount();
         if (!TickBefore(now, deadline))
             break;
         m_link.ServeWhileWaiting(deadline - now);
     }
+    // The report keeps whatever stands there; callers that trust the end
+    // address must know when the board never gave one.
+    if (!answered || !ShowsEndAddress(m_state.replyLine))
+        m_state.runEnd = RunEnd::EndUnconfirmed;
     const QString address = m_state.replyLine.mid(26, 4);
     const QString upper = fileName.toUpper();
     if (!upper.contains(QLatin1String("PROGMOT.KVR")) && !upper.contains(QLatin1String("PROGINT.KVR")))
@@ -206,15 +222,18 @@ void LineEngine::BoardLine(QString line)
     const WaitGuard guard;
     for (;;) {
         complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();
-        const quint32 now = clock.TickCount();
-        // A link that is down cannot answer: no use sitting out the time-out.
-        if (complete || !TickBefore(now, deadline) || !m_link.Usable())
+        if (complete)
             break;
         // F2 handled while waiting (the TCP link yields here) sends the
         // interrupt, whose own wait takes this line's reply: stop at once
-        // and let the halt test end the run. Closing the program halts too.
+        // and let the halt test end the run, before the time-out is judged,
+        // as that wait may have outlasted it. Closing the program halts too.
         if (m_context.compileOutcome == CompileOutcome::HaltRequested || m_context.closing)
             return;
+        const quint32 now = clock.TickCount();
+        // A link that is down cannot answer: no use sitting out the time-out.
+        if (!TickBefore(now, deadline) || !m_link.Usable())
+            break;
         m_link.ServeWhileWaiting(deadline - now);
     }
 

@@ -358,7 +358,7 @@ void TestCompilerWindows::PathsItemsInOptionsMenu()
     QCOMPARE(paths->title(), QStringLiteral("Source file &Paths"));
     w.f.prompts.inputs.enqueue(QStringLiteral("/srv/lib"));
     paths->findChild<QAction *>("mnuOPAdd")->trigger();
-    QCOMPARE(w.f.context->settings.extraSearchPaths, QStringLiteral("/srv/lib\\;"));
+    QCOMPARE(w.f.context->settings.extraSearchPaths, QStringLiteral("/srv/lib") + QDir::separator() + ";");
     paths->findChild<QAction *>("mnuOPDefault")->trigger();
     QVERIFY(w.f.context->settings.extraSearchPaths.isEmpty());
 }

@@ -59,12 +59,18 @@ void TestLineEngine::SendsLinesAndFinishes()
 
 void TestLineEngine::FinishedAddress_data()
 {
-    QTest::addColumn<QByteArray>("here");
+    QTest::addColumn<QByteArray>("here"); // null: no answer
     QTest::addColumn<QString>("reported");
     QTest::addColumn<QString>("address");
-    QTest::newRow("four digits") << QByteArray("8F00") << "8F00" << "8F00";
-    QTest::newRow("three digits show what follows") << QByteArray("12A") << "12A" << "12A ";
-    QTest::newRow("two digits") << QByteArray("C0") << "C0" << "C0  ";
+    QTest::addColumn<int>("runEnd");
+    const int finished = int(RunEnd::Finished);
+    const int unconfirmed = int(RunEnd::EndUnconfirmed);
+    QTest::newRow("four digits") << QByteArray("8F00") << "8F00" << "8F00" << finished;
+    QTest::newRow("three digits show what follows") << QByteArray("12A") << "12A" << "12A " << finished;
+    QTest::newRow("two digits") << QByteArray("C0") << "C0" << "C0  " << finished;
+    QTest::newRow("one digit") << QByteArray("7") << "7  o" << "7  o" << finished;
+    QTest::newRow("noise is not an address") << QByteArray("CHGI") << "CHGI" << "CHGI" << unconfirmed;
+    QTest::newRow("no answer") << QByteArray() << "" << "" << unconfirmed;
 }
 
 void TestLineEngine::FinishedAddress()
@@ -72,12 +78,16 @@ void TestLineEngine::FinishedAddress()
     QFETCH(QByteArray, here);
     QFETCH(QString, reported);
     QFETCH(QString, address);
+    QFETCH(int, runEnd);
     CompileFixture f;
     f.board.here = here;
+    if (here.isNull())
+        f.board.silent.append("BASE @ HEX HERE U. BASE !");
     const QString main = f.Write("MAIN.KVR", {"1 DROP"});
     f.driver->CompileFile(main);
-    QCOMPARE(f.report->LastLine(), ShortenPath(main) + " - FINISHED at " + reported);
+    QCOMPARE(f.report->LastLine(), (ShortenPath(main) + " - FINISHED at " + reported).trimmed());
     QCOMPARE(f.driver->State().endOfProgramAddress, address);
+    QCOMPARE(int(f.driver->State().runEnd), runEnd);
 }
 
 void TestLineEngine::BoardProgramKeepsEndAddress()
@@ -176,6 +186,7 @@ void TestLineEngine::LineLengthLimit_data()
     QTest::newRow("81 characters") << QString(79, 'A') + " ." << false;
     QTest::newRow("81-character comment") << "\\ " + QString(79, 'C') << false;
     QTest::newRow("trailing blanks do not count") << QString(80, 'A') + "     " << true;
+    QTest::newRow("word after 5000 blanks") << QString(5000, ' ') + "W" << false;
 }
 
 void TestLineEngine::LineLengthLimit()
@@ -377,20 +388,24 @@ void TestLineEngine::HaltWithF2()
     QCOMPARE(f.terminal.timerStates.last(), true);
 
     // F2 while the engine waits for a reply that the interrupt took away:
-    // no time-out, no not-responding message, just the halt.
+    // no time-out, no not-responding message, just the halt, even when the
+    // interrupt's own waits outlast the line's time-out.
     CompileFixture g;
     g.board.silent.append("2 DROP");
     g.context->settings.timeout = QStringLiteral("100000");
-    g.transport.beforeCount = [&g] {
-        if (g.transport.lines.contains("2 DROP") && g.context->compileOutcome == CompileOutcome::Running)
+    quint32 haltedAt = 0;
+    g.transport.beforeCount = [&g, &haltedAt] {
+        if (g.transport.lines.contains("2 DROP") && g.context->compileOutcome == CompileOutcome::Running) {
             g.driver->HaltCompile();
+            haltedAt = g.clock.ticks += 200000;
+        }
     };
     g.driver->CompileFile(g.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP"}));
     QCOMPARE(g.Sent(), (QStringList{"1 DROP", "2 DROP"}));
     QCOMPARE(g.report->Lines(), QStringList{"HALTED COMPILE WITH F2"});
     QVERIFY(g.prompts.shown.isEmpty());
     QCOMPARE(g.context->compileOutcome, CompileOutcome::HaltRequested);
-    QVERIFY(g.clock.ticks < 10000); // it did not wait for the time-out
+    QVERIFY(g.clock.ticks - haltedAt < 10000); // it did not wait for the time-out
 }
 
 void TestLineEngine::QuietReceiveAndProgress()
@@ -398,12 +413,13 @@ void TestLineEngine::QuietReceiveAndProgress()
     CompileFixture f;
     f.context->settings.noCompileDisplay = QStringLiteral("ON");
     f.terminal.capacity = 2;
-    // Bit 7 set on every character, controls in the middle, text after the
-    // line feed that must not be kept, and a reply longer than 160.
+    // Bit 7 set on every character, controls in the middle, a second line
+    // in the same batch that must not be kept (it would pass for the reply
+    // to B), and a reply longer than 160.
     QByteArray marked;
     for (char c : QByteArray("X X ?  - bad"))
         marked += char(c | 0x80);
-    f.board.replies.insert("A", "A\x07 ok\r\n" "JUNK");
+    f.board.replies.insert("A", "A\x07 ok\r\n" "J ?  - stale\r\n");
     f.board.replies.insert("B", QByteArray(170, 'b') + "Z\r\n");
     f.board.replies.insert("X", marked + "\r\n");
     const QString main = f.Write("MAIN.KVR", {"A", "B", "X"});
@@ -418,9 +434,11 @@ void TestLineEngine::QuietReceiveAndProgress()
 void TestLineEngine::ShownReceivePaintsTraffic()
 {
     CompileFixture f;
-    f.board.replies.insert("A", "A ok\r\nLATER");
-    const QString main = f.Write("MAIN.KVR", {"A"});
+    // The second line of the batch is neither shown nor taken as B's reply.
+    f.board.replies.insert("A", "A ok\r\nLATER ?  - stale\r\n");
+    const QString main = f.Write("MAIN.KVR", {"A", "B"});
     f.driver->CompileFile(main);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
     QVERIFY(f.terminal.shown.startsWith("A ok\r\n"));
     QVERIFY(!f.terminal.shown.contains("LATER"));
     QCOMPARE(f.terminal.progressStates, QList<bool>{false});

@@ -6,8 +6,10 @@ set -u
 BIN=${KVR_BIN_DIR:?}
 work=$(mktemp -d)
 board_pid=""
+mute_pid=""
 cleanup() {
     [ -n "$board_pid" ] && kill "$board_pid" 2>/dev/null && wait "$board_pid" 2>/dev/null
+    [ -n "$mute_pid" ] && kill -CONT "$mute_pid" 2>/dev/null && kill "$mute_pid" 2>/dev/null && wait "$mute_pid" 2>/dev/null
     rm -rf "$work"
 }
 trap cleanup EXIT
@@ -141,11 +143,15 @@ expect_eq "$?" 3 "usage exit status"
 kvr "$work/src/Main.kvr" --type 9999 > /dev/null 2>&1
 expect_eq "$?" 3 "bad type exit status"
 
-# --- JSON for CI
-out=$(kvr "$work/src/BAD.KVR" --json 2>/dev/null)
-echo "$out" | grep -q '"kind":"board-error","line":2,' || fail "json board error: $out"
+# --- JSON for CI: files as they are on disk, lines from 1
+out=$(kvr "$work/src/BAD.KVR" --json --yes 2>/dev/null)
+echo "$out" | grep -qF "\"file\":\"$work/src/BAD.KVR\",\"kind\":\"board-error\",\"line\":2," \
+    || fail "json board error: $out"
 echo "$out" | tail -n 1 | grep -q '"event":"summary".*"exit":1.*"lines_sent":2.*"outcome":"board-error"' \
     || fail "json summary: $out"
+out=$(kvr "$work/src/MISS.KVR" --json 2>/dev/null)
+echo "$out" | grep -qF "\"file\":\"$work/src/MISS.KVR\",\"kind\":\"file-not-found\",\"line\":1," \
+    || fail "json missing include: $out"
 
 # --- Ctrl-C halts a long compile as F2 does
 for i in $(seq 1 20000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
@@ -194,6 +200,39 @@ kill "$gone_pid"; wait "$gone_pid" 2>/dev/null
 wait "$kvr_pid"
 expect_eq "$?" 2 "board gone exit status"
 expect_eq "$(tail -n 1 "$work/gone.report")" "KVR4410 NOT RESPONDING" "board gone report"
+
+# --- a board that never answers (stopped: the system still accepts the
+# connection): no end address is no normal end, and Ctrl-C ends the wait at
+# once, whatever the time-out
+"$BIN/kvr-board" --port 0 --no-heartbeat > "$work/mute.out" 2> /dev/null &
+mute_pid=$!
+mute_port=""
+for _ in $(seq 1 200); do
+    mute_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/mute.out")
+    [ -n "$mute_port" ] && break
+    sleep 0.05
+done
+kill -STOP "$mute_pid"
+: > "$work/src/EMPTY.KVR"
+out=$("$BIN/kvr" --settings-dir "$settings" compile "$work/src/EMPTY.KVR" --json --remote "127.0.0.1:$mute_port" \
+    2>/dev/null)
+expect_eq "$?" 2 "unconfirmed end address exit status"
+echo "$out" | tail -n 1 | grep -q '"outcome":"end-address-unconfirmed"' || fail "json unconfirmed end: $out"
+mkdir -p "$work/patient"
+sed 's/^Timeout=.*/Timeout=60000\r/' "$settings/KVR-PC.INI" > "$work/patient/KVR-PC.INI"
+printf 'INCLUDE io\r\n' > "$work/src/MUTE.KVR"
+"$BIN/kvr" --settings-dir "$work/patient" compile "$work/src/MUTE.KVR" --remote "127.0.0.1:$mute_port" \
+    > "$work/mute.report" 2> "$work/err" &
+kvr_pid=$!
+for _ in $(seq 1 400); do
+    grep -q "INCLUDED" "$work/mute.report" && break
+    sleep 0.02
+done
+kill -INT "$kvr_pid"
+wait "$kvr_pid"
+expect_eq "$?" 4 "silent board halted exit status"
+expect_eq "$(tail -n 1 "$work/mute.report")" "HALTED COMPILE WITH F2" "silent board halt report"
+[ -s "$work/err" ] && fail "the halt waited for the silent board: $(cat "$work/err")"
 
 # --- the same program over a serial port (a pseudo-terminal board)
 "$BIN/kvr-board" --pty --link "$work/ttyKVR" > "$work/pty.out" 2> "$work/pty.err" &
