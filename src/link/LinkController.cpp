@@ -277,13 +277,14 @@ void LinkController::Reopened()
     m_tcpLost = false;
     m_downReason.clear();
     m_link.ClearInput();
-    emit LinkStateChanged(QString());
     emit CaptionChanged();
-    if (!m_terminal)
-        return;
-    // A board that comes back is greeted as one freshly connected.
-    m_link.Pause(SettleSeconds);
-    SendStartupCommands(m_link, *m_terminal);
+    if (m_terminal) {
+        // A board that comes back is greeted as one freshly connected.
+        m_link.Pause(SettleSeconds);
+        SendStartupCommands(m_link, *m_terminal);
+    }
+    // After the greeting, which may clear the screen, so the note stays.
+    emit LinkStateChanged(QString());
 }
 
 } // namespace kvr

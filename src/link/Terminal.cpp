@@ -292,6 +292,8 @@ void Terminal::SetLinkState(const QString &reason)
     const QString note = reason.isEmpty() ? QStringLiteral("[link back]")
                                           : QStringLiteral("[link down: %1]").arg(reason);
     m_linkDown = reason;
+    if (reason.isEmpty())
+        m_serialErrorTicks = 0;
     // On the screen only: a capture holds what the board sent.
     m_screen.Feed(((m_screen.Column() > 0 ? QStringLiteral("\r\n") : QString()) + note + QStringLiteral("\r\n")).toLatin1());
     emit ScreenChanged();

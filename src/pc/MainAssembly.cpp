@@ -4,6 +4,7 @@
 #include "app/ui/frmMDI.h"
 #include "compiler/CompileDriver.h"
 #include "compiler/ui/CompilerWindows.h"
+#include "editor/EditorPool.h"
 #include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
@@ -15,6 +16,8 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
 #include <QPlainTextEdit>
 #include <QTimer>
 #include <QWindow>
@@ -220,6 +223,42 @@ void MainAssembly::PlaceTerminal()
         }
 }
 
+QString MainAssembly::SessionNoteFile() const
+{
+    return QFileInfo(m_context.paths.SettingsFile()).absolutePath() + QStringLiteral("/UNSAVED.TXT");
+}
+
+void MainAssembly::EndSession()
+{
+    if (m_ending)
+        return;
+    m_ending = true;
+    const QStringList kept = m_editors->Pool().KeepChangedTextAsBackups();
+    if (!kept.isEmpty()) {
+        QFile note(SessionNoteFile());
+        if (note.open(QIODevice::Append | QIODevice::Text))
+            note.write((kept.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8());
+    }
+    m_frame.CloseWithoutQuestions();
+}
+
+void MainAssembly::ShowSessionNote()
+{
+    QFile note(SessionNoteFile());
+    if (!note.open(QIODevice::ReadOnly | QIODevice::Text))
+        return;
+    const QString kept = QString::fromUtf8(note.readAll()).trimmed();
+    note.close();
+    note.remove();
+    if (kept.isEmpty())
+        return;
+    const QChar lf(10);
+    m_context.prompts.Message(QStringLiteral("KVR-PC was ended by the system while text was not saved.") + lf + lf
+                                  + kept + lf + lf
+                                  + QStringLiteral("Restore in the editor's File menu brings a backup back."),
+                              PromptIcon::Information);
+}
+
 void MainAssembly::Start()
 {
     // The terminal's load handler opens the configured link first.
@@ -227,6 +266,7 @@ void MainAssembly::Start()
     OpenFirstEditorWindow();
     PlaceTerminal();
     PaintBeforeBlocking(m_frame);
+    ShowSessionNote();
     if (!m_commandLine.simulatorHost.isEmpty())
         ConnectToBoard();
     else if (m_context.settings.openingDialogue != QLatin1String("OFF"))

@@ -29,6 +29,10 @@ public:
     frmEmulator &TerminalWindow() { return *m_terminal; }
     // The pool of editor windows, as the compiler drives it.
     EditorHost &Editors();
+    // The desktop session or a signal ends the program: no question can be
+    // asked, so changed text goes to numbered backups (said at the next
+    // start) and the frame closes as Exit would.
+    void EndSession();
 
 private:
     void InstallEditors();
@@ -39,6 +43,9 @@ private:
     void ShowOpeningDialogue();
     void SwitchPort(int port);
     void ConnectToBoard();
+    // The note EndSession left, shown once at the start after it.
+    QString SessionNoteFile() const;
+    void ShowSessionNote();
 
     AppContext &m_context;
     frmMDI &m_frame;
@@ -47,6 +54,7 @@ private:
     frmEmulator *m_terminal = nullptr;
     EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
+    bool m_ending = false;
 };
 
 } // namespace kvr

@@ -253,9 +253,16 @@ void frmMDI::ArrangeTiles(Qt::Orientation orientation)
     }
 }
 
+void frmMDI::CloseWithoutQuestions()
+{
+    m_noQuestions = true;
+    close();
+    QCoreApplication::exit(0);
+}
+
 void frmMDI::closeEvent(QCloseEvent *event)
 {
-    if (m_closeGuard && !m_closeGuard()) {
+    if (!m_noQuestions && m_closeGuard && !m_closeGuard()) {
         event->ignore();
         return;
     }
