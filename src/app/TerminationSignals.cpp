@@ -8,7 +8,6 @@ namespace kvr {
 
 namespace {
 int g_pipe[2] = {-1, -1};
-constexpr int Handled[] = {SIGTERM, SIGHUP};
 
 // Only async-signal-safe work here: the number goes through the pipe.
 void OnSignal(int signalNumber)
@@ -18,7 +17,8 @@ void OnSignal(int signalNumber)
 }
 } // namespace
 
-TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent)
+TerminationSignals::TerminationSignals(QList<int> handled, QObject *parent)
+    : QObject(parent), m_handled(std::move(handled))
 {
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, g_pipe) != 0)
         return;
@@ -31,13 +31,14 @@ TerminationSignals::TerminationSignals(QObject *parent) : QObject(parent)
     struct sigaction action {};
     action.sa_handler = OnSignal;
     sigemptyset(&action.sa_mask);
-    for (int signalNumber : Handled)
+    action.sa_flags = SA_RESTART;
+    for (int signalNumber : std::as_const(m_handled))
         ::sigaction(signalNumber, &action, nullptr);
 }
 
 TerminationSignals::~TerminationSignals()
 {
-    for (int signalNumber : Handled)
+    for (int signalNumber : std::as_const(m_handled))
         ::signal(signalNumber, SIG_DFL);
     delete m_notifier;
     for (int &end : g_pipe) {

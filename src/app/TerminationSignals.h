@@ -1,8 +1,11 @@
 #pragma once
-// SIGTERM and SIGHUP (a shutdown, the terminal or session going away) turned
-// into a Qt signal, so the program can end as Exit would instead of being
-// cut off with its lock file and unsaved text left behind.
+// Signals that end the program (SIGTERM at a shutdown, SIGHUP when the
+// terminal or session goes away, Ctrl-C's SIGINT where wanted) turned into a
+// Qt signal on the main thread, so the program can end as Exit would instead
+// of being cut off with its lock file and unsaved text left behind.
+#include <QList>
 #include <QObject>
+#include <csignal>
 
 class QSocketNotifier;
 
@@ -12,7 +15,7 @@ class TerminationSignals : public QObject {
     Q_OBJECT
 public:
     // One per process; the handlers stay installed until it is destroyed.
-    explicit TerminationSignals(QObject *parent = nullptr);
+    explicit TerminationSignals(QList<int> handled = {SIGTERM, SIGHUP}, QObject *parent = nullptr);
     ~TerminationSignals() override;
 
 signals:
@@ -20,6 +23,7 @@ signals:
 
 private:
     QSocketNotifier *m_notifier = nullptr;
+    QList<int> m_handled;
 };
 
 } // namespace kvr

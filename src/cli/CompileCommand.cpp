@@ -6,7 +6,7 @@
 #include "app/FilePaths.h"
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
-#include "cli/Interrupts.h"
+#include "app/TerminationSignals.h"
 #include "compiler/CompileDriver.h"
 #include "link/Link.h"
 #include <QElapsedTimer>
@@ -175,10 +175,14 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
         }
     });
 
-    InterruptWatcher interrupts;
-    QObject::connect(&interrupts, &InterruptWatcher::Interrupted, &driver, [&driver, &context] {
+    // Ctrl-C halts as F2 does; a shutdown or a closed terminal too, so the
+    // board is left at its prompt and the run ends with its report.
+    TerminationSignals interrupts({SIGINT, SIGTERM, SIGHUP});
+    QObject::connect(&interrupts, &TerminationSignals::Received, &driver, [&driver, &context] {
         if (context.busyState == BusyState::Compiling)
             driver.HaltCompile();
+        else
+            context.closing = true;
     });
 
     QElapsedTimer elapsed;

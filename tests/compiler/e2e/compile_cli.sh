@@ -153,20 +153,23 @@ out=$(kvr "$work/src/MISS.KVR" --json 2>/dev/null)
 echo "$out" | grep -qF "\"file\":\"$work/src/MISS.KVR\",\"kind\":\"file-not-found\",\"line\":1," \
     || fail "json missing include: $out"
 
-# --- Ctrl-C halts a long compile as F2 does
+# --- Ctrl-C, or a shutdown's SIGTERM, halts a long compile as F2 does
 for i in $(seq 1 20000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
-"$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$port" \
-    > "$work/halt.out" 2> "$work/err" &
-kvr_pid=$!
-for _ in $(seq 1 400); do
-    [ "$(grep -c '^: W' "$work/board.log")" -gt 50 ] && break
-    sleep 0.02
+for sig in INT TERM; do
+    before=$(grep -c '^: W' "$work/board.log" || true)
+    "$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$port" \
+        > "$work/halt.out" 2> "$work/err" &
+    kvr_pid=$!
+    for _ in $(seq 1 400); do
+        [ "$(grep -c '^: W' "$work/board.log")" -gt $((before + 50)) ] && break
+        sleep 0.02
+    done
+    kill -$sig "$kvr_pid"
+    wait "$kvr_pid"
+    expect_eq "$?" 4 "halted exit status (SIG$sig)"
+    expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report (SIG$sig)"
+    grep -q "^: W20000 " "$work/board.log" && fail "SIG$sig did not stop the compile"
 done
-kill -INT "$kvr_pid"
-wait "$kvr_pid"
-expect_eq "$?" 4 "halted exit status"
-expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report"
-grep -q "^: W20000 " "$work/board.log" && fail "halt did not stop the compile"
 
 # --- a fresh settings folder: the delay is measured for the run, not saved
 fresh="$work/fresh"
