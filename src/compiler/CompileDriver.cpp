@@ -111,6 +111,8 @@ void CompileDriver::CompileFile(const QString &path)
     m_state.conditionalState = 0;
     m_state.ResetQuietLineBuffer();
     m_state.shownLine.clear();
+    // After a time-out the last reply is judged again: it must be this run's.
+    m_state.replyLine.clear();
     m_state.runEnd = RunEnd::None;
     m_state.linesSent = 0;
     m_state.noDisplay = m_context.settings.IsOn(m_context.settings.noCompileDisplay);

@@ -162,8 +162,19 @@ void LinkController::DisconnectFromDialog()
     emit CaptionChanged();
 }
 
+bool LinkController::CompileTellsOfLoss() const
+{
+    // A running compile ends with its own not-responding message; a second
+    // box about the same loss would only be in the way.
+    return m_context.busyState == BusyState::Compiling;
+}
+
 void LinkController::OnClientError(const QString &description)
 {
+    if (m_tcpLost && CompileTellsOfLoss()) {
+        emit CaptionChanged();
+        return;
+    }
     const QChar lf(10);
     m_context.prompts.Message(QStringLiteral("TCP/IP connection error") + lf + lf
                                   + QStringLiteral("Failed when trying to connect to IP address ")
@@ -189,6 +200,10 @@ void LinkController::OnHeartbeatError(const QString &description)
 void LinkController::OnSerialLost(const QString &reason)
 {
     emit SerialFault();
+    if (CompileTellsOfLoss()) {
+        emit CaptionChanged();
+        return;
+    }
     m_context.prompts.Message(QStringLiteral("Com port ") + QString::number(PortNumber())
                                   + QStringLiteral(" not available"),
                               PromptIcon::Exclamation);

@@ -66,6 +66,7 @@ private:
     // `message`, followed by how to get access when the port was refused to
     // this account.
     QString WithAccessAdvice(const QString &message) const;
+    bool CompileTellsOfLoss() const;
     void OnClientError(const QString &description);
     void OnHeartbeatError(const QString &description);
     void OnSerialLost(const QString &reason);

@@ -115,9 +115,10 @@ void TcpTransport::OnClientError(QAbstractSocket::SocketError error)
     const bool wasConnected = m_wasConnected;
     m_wasConnected = false;
     CloseClient();
-    emit ClientError(description);
+    // Lost first: a listener then knows the error ends a session that stood.
     if (wasConnected)
         emit LinkLost(description);
+    emit ClientError(description);
 }
 
 void TcpTransport::OnHeartbeatError(QAbstractSocket::SocketError)
