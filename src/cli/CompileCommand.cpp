@@ -6,6 +6,8 @@
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
 #include "cli/Interrupts.h"
+#include "cli/ProgressLine.h"
+#include "compiler/CompileProgress.h"
 #include "compiler/CompileDriver.h"
 #include "link/Link.h"
 #include <QElapsedTimer>
@@ -134,6 +136,8 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     CompileReport report(context);
     CompileDriver driver(context, link, &terminal, nullptr, report);
     driver.Engine().SetSettingsWriter({}); // the command line leaves KVR-PC.INI alone
+    CompileProgress progress(driver, context.clock);
+    const ProgressLine progressLine(progress, report, !parser.isSet(command.board.quiet));
 
     if (settings.computerType == QLatin1String("Terminal")) {
         driver.TerminalModeMessage();

@@ -73,6 +73,7 @@ void LineEngine::CompileNextLine(QString &fileName)
             return;
         }
         active.lineNumber = 0;
+        emit m_events.FileOpened(fileName);
     }
 
     if (m_state.files.AtEnd(active.fileNumber)) {
@@ -80,6 +81,7 @@ void LineEngine::CompileNextLine(QString &fileName)
     } else {
         QString line = RTrim(m_state.files.ReadLine(active.fileNumber));
         ++active.lineNumber;
+        emit m_events.LineRead(active.name, active.lineNumber);
         const qsizetype firstNonBlank = line.size() - LTrim(line).size();
         if (line.size() > MaxLineLength) {
             Report(QStringLiteral(": OVER 80 CHARACTERS"), QStringLiteral("over-long"));
@@ -200,6 +202,7 @@ void LineEngine::BoardLine(QString line)
 
     m_link.SendText(line, true);
     ++m_state.linesSent;
+    emit m_events.LineSent(m_state.CurrentFile(), m_state.includeStack[0].lineNumber, line);
     Clock &clock = m_context.clock;
     const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     bool complete = false;

@@ -3,6 +3,7 @@
 // one, or reads one source line and either acts on it on the PC (INCLUDE,
 // QUICK, #CONDITION, the #IF family) or sends it to the board and judges the
 // single reply line. The run ends when the top-level file name is emptied.
+#include "compiler/CompileEvents.h"
 #include "compiler/CompileReport.h"
 #include "compiler/CompileState.h"
 #include "compiler/ReplyReceiver.h"
@@ -30,6 +31,7 @@ public:
     void CloseSourceFiles();
 
     ReplyReceiver &Receiver() { return m_receiver; }
+    CompileEvents &Events() { return m_events; }
 
 private:
     QString Prefix() const;
@@ -50,6 +52,7 @@ private:
     ReplyReceiver m_receiver;
     QString m_defaultSearchPaths;
     std::function<void()> m_writeSettings;
+    CompileEvents m_events;
 };
 
 } // namespace kvr

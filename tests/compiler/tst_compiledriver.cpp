@@ -1,6 +1,7 @@
 // The compile driver: refusals, the Compile menu commands, the selection
 // file, the progress display and the failing line shown in an editor.
 #include "CompileFixture.h"
+#include "compiler/CompileProgress.h"
 #include <QtTest>
 
 using namespace kvr;
@@ -26,6 +27,9 @@ private slots:
     void ProgressLabelsOnEveryExit_data();
     void ProgressLabelsOnEveryExit();
     void ReportClearedAndBroughtForward();
+    void ProgressCountsKnownFiles();
+    void ProgressText_data();
+    void ProgressText();
 };
 
 void TestCompileDriver::Refusals_data()
@@ -270,6 +274,42 @@ void TestCompileDriver::ReportClearedAndBroughtForward()
     QVERIFY(f.report->LastLine().endsWith("FINISHED at 1A2B"));
     QVERIFY(forward.count() >= 2);
     QVERIFY(f.terminal.broughtForward >= 2);
+}
+
+void TestCompileDriver::ProgressCountsKnownFiles()
+{
+    CompileFixture f;
+    CompileProgress progress(*f.driver, f.clock);
+    QStringList texts;
+    connect(&progress, &CompileProgress::Updated, [&texts](const QString &text) { texts.append(text); });
+    const QString main = f.Write("MAIN.KVR", {"INCLUDE LIB", "\\ note", "1 DROP"});
+    test::WriteAll(f.dir.path() + "/LIB.KVR", "A\nB\rC"); // every kind of line end, none at the end
+    f.driver->CompileFile(main);
+    // At the first line only MAIN.KVR is known; LIB.KVR's lines join when it opens.
+    QCOMPARE(texts.first(), QStringLiteral("MAIN.KVR line 1 - 1 of 3 lines - 0:00"));
+    QCOMPARE(texts.last(), QString());
+    const CompileProgress::Snapshot &now = progress.Current();
+    QCOMPARE(now.file, main);
+    QCOMPARE(now.line, 3);
+    QCOMPARE(now.done, 6);
+    QCOMPARE(now.known, 6);
+    QVERIFY(now.elapsedMs > 0);
+}
+
+void TestCompileDriver::ProgressText_data()
+{
+    QTest::addColumn<int>("elapsedMs");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("seconds") << 4999 << "LIB.KVR line 7 - 20 of 90 lines - 0:04";
+    QTest::newRow("minutes") << 61000 << "LIB.KVR line 7 - 20 of 90 lines - 1:01";
+    QTest::newRow("hours") << 3725000 << "LIB.KVR line 7 - 20 of 90 lines - 1:02:05";
+}
+
+void TestCompileDriver::ProgressText()
+{
+    QFETCH(int, elapsedMs);
+    QFETCH(QString, text);
+    QCOMPARE(FormatProgress({"/W/SRC/LIB.KVR", 7, 20, 90, quint32(elapsedMs)}), text);
 }
 
 QTEST_GUILESS_MAIN(TestCompileDriver)

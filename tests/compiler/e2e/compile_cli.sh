@@ -101,6 +101,14 @@ grep -qP "^\t\\\\ a tab-indented comment" "$work/board.log" || fail "tab-indente
 grep -q "INCLUDE" "$work/board.log" && fail "an INCLUDE line reached the board"
 [ -s "$work/err" ] && fail "unexpected messages: $(cat "$work/err")"
 
+# --- on a terminal, stderr carries one progress line rewritten in place; none with --quiet
+tty_stderr() { script -qec "$BIN/kvr --settings-dir $settings compile $work/src/Main.kvr --remote 127.0.0.1:$port $* 2>&1 >/dev/null" /dev/null; }
+tty_stderr > "$work/tty"
+grep -q $'\r'"MAIN.KVR line [0-9]* - [0-9]* of [0-9]* lines - 0:[0-9][0-9]" "$work/tty" \
+    || fail "no progress line on a terminal: $(cat -v "$work/tty")"
+tty_stderr --quiet > "$work/tty"
+grep -q " lines - " "$work/tty" && fail "progress shown under --quiet: $(cat -v "$work/tty")"
+
 # --- an unknown word stops the compile with the board's message
 crlf "$work/src/BAD.KVR" <<'SRC'
 : OK-WORD 1 ;
