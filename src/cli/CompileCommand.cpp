@@ -5,6 +5,7 @@
 #include "app/ConsolePrompts.h"
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
+#include "cli/ContinueRun.h"
 #include "cli/Interrupts.h"
 #include "cli/ProgressLine.h"
 #include "compiler/CompileProgress.h"
@@ -43,11 +44,12 @@ struct CompileParser {
     QCommandLineOption json{QStringLiteral("json"),
                             QStringLiteral("One JSON object per report line, then a summary (lines sent, seconds, "
                                            "outcome, end address, delay).")};
+    QCommandLineOption resume = ContinueOption();
 
     CompileParser()
     {
         parser.setApplicationDescription(QStringLiteral("Compile a program on the board."));
-        parser.addOptions({quick, json});
+        parser.addOptions({quick, json, resume});
         parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The top-level source file."));
     }
     QString Help() const { return HelpText(parser, QStringLiteral("kvr compile")) + QLatin1String(CompileNotes); }
@@ -176,7 +178,10 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
 
     QElapsedTimer elapsed;
     elapsed.start();
-    driver.CompileFile(path);
+    if (parser.isSet(command.resume))
+        ContinueFromCommandLine(driver, prompts, path, parser.isSet(command.board.yes));
+    else
+        driver.CompileFile(path);
     const double seconds = elapsed.nsecsElapsed() / 1e9;
     const RunEnd end = driver.State().runEnd;
     const int status = ExitFor(end);

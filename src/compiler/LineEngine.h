@@ -13,6 +13,7 @@ namespace kvr {
 
 class AppContext;
 class Link;
+class RunReplay;
 class TerminalHost;
 
 class LineEngine {
@@ -25,6 +26,10 @@ public:
     // How "QUICK " lines persist the settings; the command line keeps the
     // settings file untouched.
     void SetSettingsWriter(std::function<void()> writer) { m_writeSettings = std::move(writer); }
+
+    // While set, the run compares the lines it would send with an earlier
+    // run's record instead of sending them, up to the restart line.
+    void SetReplay(RunReplay *replay) { m_replay = replay; }
 
     void CompileNextLine(QString &fileName);
     // Closes the files of include stack entries 0..(count of compiled files).
@@ -43,6 +48,9 @@ private:
     void IncludeLine(QString &fileName, const QString &line);
     void BoardLine(QString line);
     void HaltTest();
+    bool Replaying() const;
+    // Reports where a continued run takes over from the replay, once.
+    void ResumeIfDue();
 
     AppContext &m_context;
     Link &m_link;
@@ -53,6 +61,7 @@ private:
     QString m_defaultSearchPaths;
     std::function<void()> m_writeSettings;
     CompileEvents m_events;
+    RunReplay *m_replay = nullptr;
 };
 
 } // namespace kvr

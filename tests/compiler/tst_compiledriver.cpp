@@ -30,6 +30,8 @@ private slots:
     void ProgressCountsKnownFiles();
     void ProgressText_data();
     void ProgressText();
+    void ContinueAfterFix_data();
+    void ContinueAfterFix();
 };
 
 void TestCompileDriver::Refusals_data()
@@ -310,6 +312,70 @@ void TestCompileDriver::ProgressText()
     QFETCH(int, elapsedMs);
     QFETCH(QString, text);
     QCOMPARE(FormatProgress({"/W/SRC/LIB.KVR", 7, 20, 90, quint32(elapsedMs)}), text);
+}
+
+void TestCompileDriver::ContinueAfterFix_data()
+{
+    QTest::addColumn<QStringList>("main");      // MAIN.KVR when the compile stopped
+    QTest::addColumn<QStringList>("lib");       // LIB.KVR then
+    QTest::addColumn<QStringList>("mainAfter"); // the files when Continue is chosen
+    QTest::addColumn<QStringList>("libAfter");
+    QTest::addColumn<int>("resumedAt");   // line of MAIN.KVR the run resumes at; 0 when it cannot
+    QTest::addColumn<QString>("question"); // what the offer of a full compile names
+    QTest::addColumn<QStringList>("sent"); // what Continue sends (a full compile after Yes)
+
+    QTest::newRow("restart at a multi-line definition's first line")
+        << QStringList{"1 DROP", ": TWO", "BAD", ";", "3 DROP"} << QStringList{}
+        << QStringList{"1 DROP", ": TWO", "2", ";", "3 DROP"} << QStringList{} << 2 << ""
+        << QStringList{": TWO", "2", ";", "3 DROP"};
+    QTest::newRow("a comment added above is no change")
+        << QStringList{"1 DROP", "BAD"} << QStringList{} << QStringList{"\\ fixed below", "1 DROP", "6 DROP"}
+        << QStringList{} << 3 << "" << QStringList{"6 DROP"};
+    QTest::newRow("change detected in an include file")
+        << QStringList{"INCLUDE LIB", "BAD"} << QStringList{"1 DROP"} << QStringList{"INCLUDE LIB", "4 DROP"}
+        << QStringList{"1  DROP"} << 0 << "LIB.KVR line 1 has changed" << QStringList{"1  DROP", "4 DROP"};
+    QTest::newRow("change of a conditional result detected")
+        << QStringList{"#CONDITION A", "#IF A", "1 DROP", "#ELSE", "2 DROP", "#ENDIF", "BAD"} << QStringList{}
+        << QStringList{"#CONDITION B", "#IF A", "1 DROP", "#ELSE", "2 DROP", "#ENDIF", "5 DROP"} << QStringList{}
+        << 0 << "MAIN.KVR line 5 has changed" << QStringList{"2 DROP", "5 DROP"};
+    QTest::newRow("after a clean finish a full compile is offered")
+        << QStringList{"1 DROP"} << QStringList{} << QStringList{"1 DROP"} << QStringList{} << 0 << "finished"
+        << QStringList{"1 DROP"};
+}
+
+void TestCompileDriver::ContinueAfterFix()
+{
+    QFETCH(QStringList, main);
+    QFETCH(QStringList, lib);
+    QFETCH(QStringList, mainAfter);
+    QFETCH(QStringList, libAfter);
+    QFETCH(int, resumedAt);
+    QFETCH(QString, question);
+    QFETCH(QStringList, sent);
+    CompileFixture f;
+    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    const QString path = f.Write("MAIN.KVR", main).toUpper();
+    if (!lib.isEmpty())
+        f.Write("LIB.KVR", lib);
+    f.driver->CompileFile(path);
+    f.Write("MAIN.KVR", mainAfter);
+    if (!libAfter.isEmpty())
+        f.Write("LIB.KVR", libAfter);
+    f.transport.lines.clear();
+    f.prompts.Clear();
+
+    f.driver->ContinueLastCompile();
+    QCOMPARE(f.Sent(), sent);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+    if (resumedAt > 0) {
+        QCOMPARE(f.report->Lines().first(), "CONTINUED at " + ShortenPath(path) + " line " + QString::number(resumedAt));
+        QVERIFY(f.prompts.shown.isEmpty());
+    } else {
+        QCOMPARE(f.prompts.shown.size(), 1);
+        QVERIFY2(f.prompts.shown.first().text.contains(question), qPrintable(f.prompts.shown.first().text));
+        QCOMPARE(f.prompts.shown.first().buttons, PromptButtons::YesNo);
+        QVERIFY(!f.report->Lines().join('\n').contains("CONTINUED"));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCompileDriver)
