@@ -328,6 +328,10 @@ void TestCompileDriver::ContinueAfterFix_data()
         << QStringList{"1 DROP", ": TWO", "BAD", ";", "3 DROP"} << QStringList{}
         << QStringList{"1 DROP", ": TWO", "2", ";", "3 DROP"} << QStringList{} << 2 << ""
         << QStringList{": TWO", "2", ";", "3 DROP"};
+    QTest::newRow("a semicolon in a comment or string does not end the definition")
+        << QStringList{": TWO ( ; ) .\" ; \" \\ ;", "BAD ;"} << QStringList{}
+        << QStringList{": TWO ( ; ) .\" ; \" \\ ;", "2 ;"} << QStringList{} << 1 << ""
+        << QStringList{": TWO ( ; ) .\" ; \" \\ ;", "2 ;"};
     QTest::newRow("a comment added above is no change")
         << QStringList{"1 DROP", "BAD"} << QStringList{} << QStringList{"\\ fixed below", "1 DROP", "6 DROP"}
         << QStringList{} << 3 << "" << QStringList{"6 DROP"};
@@ -354,6 +358,7 @@ void TestCompileDriver::ContinueAfterFix()
     QFETCH(QStringList, sent);
     CompileFixture f;
     f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.replies.insert("BAD ;", "BAD ; BAD ?  - not found\r\n");
     const QString path = f.Write("MAIN.KVR", main).toUpper();
     if (!lib.isEmpty())
         f.Write("LIB.KVR", lib);
