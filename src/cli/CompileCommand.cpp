@@ -7,6 +7,9 @@
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
 #include "app/TerminationSignals.h"
+#include "cli/ContinueRun.h"
+#include "cli/ProgressLine.h"
+#include "compiler/CompileProgress.h"
 #include "compiler/CompileDriver.h"
 #include "link/Link.h"
 #include <QElapsedTimer>
@@ -43,11 +46,12 @@ struct CompileParser {
     QCommandLineOption json{QStringLiteral("json"),
                             QStringLiteral("One JSON object per report line, then a summary (lines sent, seconds, "
                                            "outcome, end address, delay).")};
+    QCommandLineOption resume = ContinueOption();
 
     CompileParser()
     {
         parser.setApplicationDescription(QStringLiteral("Compile a program on the board."));
-        parser.addOptions({quick, json});
+        parser.addOptions({quick, json, resume});
         parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The top-level source file."));
     }
     QString Help() const { return HelpText(parser, QStringLiteral("kvr compile")) + QLatin1String(CompileNotes); }
@@ -145,6 +149,8 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     CompileReport report(context);
     CompileDriver driver(context, link, &terminal, nullptr, report);
     driver.Engine().SetSettingsWriter({}); // the command line leaves KVR-PC.INI alone
+    CompileProgress progress(driver, context.clock);
+    const ProgressLine progressLine(progress, report, !parser.isSet(command.board.quiet));
 
     if (settings.computerType == QLatin1String("Terminal")) {
         driver.TerminalModeMessage();
@@ -187,7 +193,10 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
 
     QElapsedTimer elapsed;
     elapsed.start();
-    driver.CompileFile(path);
+    if (parser.isSet(command.resume))
+        ContinueFromCommandLine(driver, prompts, path, parser.isSet(command.board.yes));
+    else
+        driver.CompileFile(path);
     const double seconds = elapsed.nsecsElapsed() / 1e9;
     const RunEnd end = driver.State().runEnd;
     const int status = ExitFor(end);

@@ -2,6 +2,7 @@
 #include "app/AppContext.h"
 #include "app/Text.h"
 #include "compiler/ConditionalCompilation.h"
+#include "compiler/RunReplay.h"
 #include "compiler/SearchPaths.h"
 #include "compiler/SourceText.h"
 #include "link/Link.h"
@@ -46,14 +47,38 @@ QString LineEngine::Prefix() const
            + QString::number(m_state.includeStack[0].lineNumber);
 }
 
+bool LineEngine::Replaying() const
+{
+    return m_replay && m_replay->Replaying();
+}
+
+void LineEngine::ResumeIfDue()
+{
+    if (!m_replay || !m_replay->TakeResume())
+        return;
+    const IncludeEntry &active = m_state.includeStack[0];
+    m_report.AddReportLine(QStringLiteral("CONTINUED at ") + ShortenPath(active.name) + QStringLiteral(" line ")
+                               + QString::number(active.lineNumber),
+                           {QStringLiteral("continued"), active.name, active.lineNumber});
+}
+
 void LineEngine::Report(const QString &text, const QString &kind, bool withPosition)
 {
+    // The run being continued reported these already.
+    if (Replaying())
+        return;
     ReportEvent event{kind, m_state.CurrentFile(), withPosition ? m_state.includeStack[0].lineNumber : 0};
     m_report.AddReportLine(withPosition ? Prefix() + text : text, event);
 }
 
 void LineEngine::EndRun(RunEnd why)
 {
+    // Stopping short of the restart line means the program changed: nothing
+    // was sent, so the run is refused rather than failed.
+    if (Replaying() && why != RunEnd::Halted) {
+        m_replay->StoppedAt(m_state.CurrentFile(), m_state.includeStack[0].lineNumber);
+        why = RunEnd::None;
+    }
     m_state.topLevelFile.clear();
     CloseSourceFiles();
     m_state.runEnd = why;
@@ -84,6 +109,7 @@ void LineEngine::CompileNextLine(QString &fileName)
             return;
         }
         active.lineNumber = 0;
+        emit m_events.FileOpened(fileName);
     }
 
     if (m_state.files.AtEnd(active.fileNumber)) {
@@ -91,6 +117,7 @@ void LineEngine::CompileNextLine(QString &fileName)
     } else {
         QString line = RTrim(m_state.files.ReadLine(active.fileNumber));
         ++active.lineNumber;
+        emit m_events.LineRead(active.name, active.lineNumber);
         const qsizetype firstNonBlank = line.size() - LTrim(line).size();
         if (line.size() > MaxLineLength) {
             Report(QStringLiteral(": OVER 80 CHARACTERS"), QStringLiteral("over-long"));
@@ -125,11 +152,17 @@ void LineEngine::EndOfFile(QString &fileName)
         --m_state.suspendedCount;
         return;
     }
+    // The program now ends before the line the continued run restarts at.
+    if (Replaying()) {
+        EndRun(RunEnd::None);
+        return;
+    }
     FinishTopLevel(fileName);
 }
 
 void LineEngine::FinishTopLevel(const QString &fileName)
 {
+    ResumeIfDue();
     EndRun(RunEnd::Finished);
     m_link.SendText(EndCommand, true);
     Clock &clock = m_context.clock;
@@ -202,7 +235,9 @@ void LineEngine::BoardLine(QString line)
 {
     const int r = EvaluateDirective(line, m_state.conditionalState, m_state.conditionValue);
     if (r == -1) {
-        m_context.compileOutcome = CompileOutcome::Error;
+        // Before the restart line it is a change to report, not a line to show.
+        if (!Replaying())
+            m_context.compileOutcome = CompileOutcome::Error;
         Report(QStringLiteral(": CONDITIONAL COMPILATION ERROR"), QStringLiteral("conditional-error"));
         EndRun(RunEnd::ConditionalError);
         return;
@@ -213,9 +248,19 @@ void LineEngine::BoardLine(QString line)
         CompactLine(line);
     if (line.isEmpty())
         return;
+    const IncludeEntry &active = m_state.includeStack[0];
+    if (Replaying()) {
+        if (m_replay->Match(active.name, active.lineNumber, line))
+            emit m_events.LineSent(active.name, active.lineNumber, line); // the board has it already
+        else
+            EndRun(RunEnd::None);
+        return;
+    }
+    ResumeIfDue();
 
     m_link.SendText(line, true);
     ++m_state.linesSent;
+    emit m_events.LineSent(active.name, active.lineNumber, line);
     Clock &clock = m_context.clock;
     const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     bool complete = false;

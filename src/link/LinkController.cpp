@@ -227,6 +227,8 @@ void LinkController::OnTcpLost(const QString &reason)
 
 bool LinkController::Compiling() const
 {
+    // A running compile ends with its own not-responding message; a second
+    // box about the same loss would only be in the way.
     return m_context.busyState == BusyState::Compiling;
 }
 

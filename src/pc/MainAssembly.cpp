@@ -3,6 +3,7 @@
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
 #include "compiler/CompileDriver.h"
+#include "compiler/CompileProgress.h"
 #include "compiler/ui/CompilerWindows.h"
 #include "editor/EditorPool.h"
 #include "editor/ui/EditorWindows.h"
@@ -144,6 +145,14 @@ void MainAssembly::InstallCompiler()
         if (!reason.isEmpty() && m_context.busyState == BusyState::Compiling)
             m_compiler->Driver().Report().AddReportLine(QStringLiteral("LINK DOWN: ") + reason);
     });
+    // The terminal's title bar tells how far a compile has come.
+    if (QWidget *terminalWindow = m_terminal->parentWidget()) {
+        const QString title = terminalWindow->windowTitle();
+        connect(&m_compiler->Progress(), &CompileProgress::Updated, terminalWindow,
+                [terminalWindow, title](const QString &text) {
+                    terminalWindow->setWindowTitle(text.isEmpty() ? title : title + QStringLiteral(" - ") + text);
+                });
+    }
     // Closing the program stops a compile: the interrupt goes out, nothing
     // more is sent, and no wait holds the program back.
     connect(&m_frame, &frmMDI::Closing, this, [this] {

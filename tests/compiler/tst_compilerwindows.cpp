@@ -269,6 +269,7 @@ void TestCompilerWindows::CompileMenuItems()
         {"mnuCThisWindow", "&This window", QKeySequence(Qt::Key_F8)},
         {"mnuCSelected", "&Selected Text", QKeySequence(Qt::CTRL | Qt::Key_F8)},
         {"mnuCLast", "From &Last definition", QKeySequence(Qt::SHIFT | Qt::Key_F8)},
+        {"mnuCContinue", "C&ontinue compile", QKeySequence(Qt::Key_F9)},
         {"mnuCQuick", "&Quick compile", QKeySequence()},
         {"mnuCNoDisplay", "&No compile display", QKeySequence()},
     };

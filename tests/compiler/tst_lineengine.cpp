@@ -1,5 +1,8 @@
 // The line engine driven through whole compile runs on the in-memory board.
 #include "CompileFixture.h"
+#include "link/LinkController.h"
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
 using namespace kvr;
@@ -34,6 +37,7 @@ private slots:
     void AwkwardIncludes_data();
     void AwkwardIncludes();
     void DeepIncludeNesting();
+    void BoardGoneMidCompile_data();
     void BoardGoneMidCompile();
     void FloodWithoutLineEnd();
 };
@@ -530,20 +534,70 @@ void TestLineEngine::DeepIncludeNesting()
     QCOMPARE(f.report->LastLine(), ShortenPath(main) + " - FINISHED at 1A2B");
 }
 
+void TestLineEngine::BoardGoneMidCompile_data()
+{
+    QTest::addColumn<bool>("overTcp");       // a real socket whose peer goes, or the in-memory link
+    QTest::addColumn<QByteArray>("lastLine"); // the line the link dies on
+    QTest::addColumn<bool>("afterBoardError"); // an earlier run stopped on a board error
+    QTest::newRow("in-memory link closes") << false << QByteArray("2 DROP") << false;
+    QTest::newRow("TCP peer closes: one message, not two") << true << QByteArray("2 DROP") << false;
+    QTest::newRow("first line, after a run that stopped on a board error") << false << QByteArray("1 DROP") << true;
+}
+
 void TestLineEngine::BoardGoneMidCompile()
 {
+    QFETCH(bool, overTcp);
+    QFETCH(QByteArray, lastLine);
+    QFETCH(bool, afterBoardError);
     CompileFixture f;
-    f.board.onLine = [&f](const QByteArray &line) {
-        if (line == "2 DROP")
-            f.transport.Close();
-    };
-    f.board.silent.append("2 DROP");
+    if (afterBoardError) {
+        f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+        f.driver->CompileFile(f.Write("EARLIER.KVR", {"BAD"}));
+        QCOMPARE(f.driver->State().runEnd, RunEnd::BoardError);
+        f.transport.lines.clear();
+        f.editor.loaded.clear();
+    }
+    LinkController controller(*f.context, *f.link);
+    QTcpServer server;
+    QTcpSocket *peer = nullptr;
+    QByteArray received;
+    if (overTcp) {
+        QVERIFY(server.listen(QHostAddress::LocalHost, 0));
+        f.context->settings.remoteIp = QStringLiteral("127.0.0.1");
+        f.context->settings.remotePort = QString::number(server.serverPort());
+        controller.Tcp().SetHeartbeatPort(0);
+        controller.SelectPort(0);
+        QVERIFY(server.hasPendingConnections() || server.waitForNewConnection(2000));
+        peer = server.nextPendingConnection();
+        connect(peer, &QTcpSocket::readyRead, peer, [&] {
+            received += peer->readAll();
+            for (qsizetype end = received.indexOf('\r'); end >= 0; end = received.indexOf('\r')) {
+                const QByteArray line = received.left(end);
+                received.remove(0, end + 1);
+                f.transport.lines.append(line); // what the board got, as the in-memory board keeps it
+                if (line == lastLine)
+                    peer->abort();
+                else
+                    peer->write(line + "  ok\r\n");
+            }
+        });
+    } else {
+        f.board.onLine = [&](const QByteArray &line) {
+            if (line == lastLine)
+                f.transport.Close();
+        };
+        f.board.silent.append(lastLine);
+    }
+    f.prompts.Clear();
     const QString main = f.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP"});
     f.driver->CompileFile(main);
-    QCOMPARE(f.Sent(), (QStringList{"1 DROP", "2 DROP"}));
-    QCOMPARE(f.report->LastLine(), QStringLiteral("KVR4410 NOT RESPONDING"));
+    const QStringList sent = lastLine == "1 DROP" ? QStringList{"1 DROP"} : QStringList{"1 DROP", "2 DROP"};
+    QCOMPARE(f.Sent(), sent);
+    QCOMPARE(f.report->Lines(), QStringList{"KVR4410 NOT RESPONDING"});
     QCOMPARE(f.context->compileOutcome, CompileOutcome::NotResponding);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::NotResponding);
     QCOMPARE(f.prompts.MessageTexts(), QStringList{Link::NotRespondingText("4410ANS")});
+    QVERIFY(f.editor.loaded.isEmpty() && f.editor.shownLines.isEmpty());
     QCOMPARE(f.context->busyState, BusyState::Idle);
 }
 

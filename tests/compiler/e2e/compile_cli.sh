@@ -103,6 +103,14 @@ grep -qP "^\t\\\\ a tab-indented comment" "$work/board.log" || fail "tab-indente
 grep -q "INCLUDE" "$work/board.log" && fail "an INCLUDE line reached the board"
 [ -s "$work/err" ] && fail "unexpected messages: $(cat "$work/err")"
 
+# --- on a terminal, stderr carries one progress line rewritten in place; none with --quiet
+tty_stderr() { script -qec "$BIN/kvr --settings-dir $settings compile $work/src/Main.kvr --remote 127.0.0.1:$port $* 2>&1 >/dev/null" /dev/null; }
+tty_stderr > "$work/tty"
+grep -q $'\r'"MAIN.KVR line [0-9]* - [0-9]* of [0-9]* lines - 0:[0-9][0-9]" "$work/tty" \
+    || fail "no progress line on a terminal: $(cat -v "$work/tty")"
+tty_stderr --quiet > "$work/tty"
+grep -q " lines - " "$work/tty" && fail "progress shown under --quiet: $(cat -v "$work/tty")"
+
 # --- an unknown word stops the compile with the board's message
 crlf "$work/src/BAD.KVR" <<'SRC'
 : OK-WORD 1 ;
@@ -182,6 +190,67 @@ echo "$out" | tail -n 1 | grep -Eq '"delay":[1-9][0-9]*[,}]' || fail "delay not 
 out=$(kvr "$work/src/TINY.KVR" --json 2>/dev/null)
 echo "$out" | tail -n 1 | grep -q '"delay":0[,}]' || fail "a set delay was not kept: $out"
 "$BIN/kvr" --help | grep -q 'delay still "-1"' || fail "kvr --help does not explain the delay"
+
+# --- continue after a fix: a program of three files stops in its second INCLUDE
+# file; once the line is fixed on disk the compile goes on from the failing
+# definition, sending nothing twice that came before it.
+"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/cont.log" > "$work/cont.out" 2> /dev/null &
+cont_pid=$!
+cont_port=""
+for _ in $(seq 1 200); do
+    cont_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/cont.out")
+    [ -n "$cont_port" ] && break
+    sleep 0.05
+done
+mkdir -p "$work/cont"
+crlf "$work/cont/PROG.KVR" <<'SRC'
+: P1 1 ;
+INCLUDE first
+INCLUDE second
+: TOTAL  P1 F1 + S1 + S2 + ;
+: CHECK  TOTAL 313 <> ABORT" wrong total" ;
+CHECK
+SRC
+crlf "$work/cont/FIRST.KVR" <<'SRC'
+: F1 10 ;
+SRC
+crlf "$work/cont/SECOND.KVR" <<'SRC'
+: S1 100 ;
+: S2
+  S1 NOT-YET-WRITTEN
+  DUP + ;
+SRC
+ckvr() { "$BIN/kvr" --settings-dir "$settings" compile "$work/cont/PROG.KVR" --remote "127.0.0.1:$cont_port" "$@"; }
+times_sent() { grep -c -x -F -- "$1" "$work/cont.log"; }
+out=$(ckvr 2> "$work/err")
+expect_eq "$?" 1 "continue: the first run stops on the board error"
+echo "$out" | tail -n 1 | grep -q "SECOND.KVR - line 3: NOT-YET-WRITTEN ?  - " || fail "continue: first run: $out"
+sed -i 's/NOT-YET-WRITTEN/1+/' "$work/cont/SECOND.KVR"
+out=$(ckvr --continue 2> "$work/err")
+expect_eq "$?" 0 "continue: the fixed program finishes, CHECK included"
+echo "$out" | head -n 1 | grep -q "^CONTINUED at .*SECOND.KVR line 2$" || fail "continue: no resume line: $out"
+for line in ": P1 1 ;" ": F1 10 ;" ": S1 100 ;"; do
+    expect_eq "$(times_sent "$line")" 1 "continue: '$line' sent once"
+done
+expect_eq "$(times_sent ": S2")" 2 "continue: the failing definition sent again from its first line"
+expect_eq "$(times_sent "  S1 1+")" 1 "continue: the fixed line"
+expect_eq "$(times_sent "CHECK")" 1 "continue: the check of every file's words"
+# A change before the failing line is named, and a full compile needs --yes.
+sed -i 's/1+/NOT-YET-WRITTEN/' "$work/cont/SECOND.KVR"
+ckvr > /dev/null 2>&1
+expect_eq "$?" 1 "continue: stopped again"
+sed -i 's/NOT-YET-WRITTEN/1+/' "$work/cont/SECOND.KVR"
+sed -i 's/: F1 10 ;/: F1  10 ;/' "$work/cont/FIRST.KVR"
+before=$(wc -l < "$work/cont.log")
+ckvr --continue > /dev/null 2> "$work/err"
+expect_eq "$?" 3 "continue refused after an earlier change"
+grep -q "FIRST.KVR line 1 has changed" "$work/err" || fail "continue: change not named: $(cat "$work/err")"
+expect_eq "$(wc -l < "$work/cont.log")" "$before" "continue: nothing sent when refused"
+ckvr --continue --yes > "$work/out" 2> "$work/err"
+expect_eq "$?" 0 "continue --yes compiles from the start"
+grep -q "CONTINUED" "$work/out" && fail "continue --yes: $(cat "$work/out")"
+expect_eq "$(times_sent ": F1  10 ;")" 1 "continue --yes sent the whole program"
+kill "$cont_pid"; wait "$cont_pid" 2>/dev/null
 
 # --- the board goes away in the middle of a compile
 "$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/gone.log" > "$work/gone.out" 2> /dev/null &
