@@ -24,8 +24,6 @@ private slots:
     void ErrorInIncludeShownInItsWindow_data();
     void ErrorInIncludeShownInItsWindow();
     void SelectionErrorShownInSourceWindow();
-    void ReportLineOpensItsFile_data();
-    void ReportLineOpensItsFile();
     void NoEditorHost();
     void Toggles();
     void ProgressLabelsOnEveryExit_data();
@@ -184,7 +182,7 @@ void TestCompileDriver::ErrorLineSelected()
     for (int i = 1; i < failingLine; ++i)
         lines.append(QStringLiteral("%1 DROP").arg(i));
     lines.append(QStringLiteral("BAD"));
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", lines);
     f.editor.windows.insert(1, {"/OTHER.KVR", {}, 0, 0});
     f.editor.windows.insert(4, {main.toUpper(), {}, 0, 0});
@@ -212,7 +210,7 @@ void TestCompileDriver::ErrorInIncludeShownInItsWindow()
     QFETCH(bool, open);
     CompileFixture f;
     f.editor.loadCreatesWindow = true;
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", {include, "1 DROP"});
     const QString lib = f.Write(libPath, {"2 DROP", "BAD"});
     f.editor.windows.insert(1, {LogicalName(main), {}, 0, 0});
@@ -222,13 +220,21 @@ void TestCompileDriver::ErrorInIncludeShownInItsWindow()
     QCOMPARE(f.editor.loaded, open ? QStringList() : QStringList{lib});
     QCOMPARE(f.editor.shownLines, (QList<QPair<QString, int>>{{LogicalName(lib), 2}}));
     QCOMPARE(f.Sent(), (QStringList{"2 DROP", "BAD"}));
+
+    // Report lines that name a file and line open it there: the include
+    // line its INCLUDE, the error its line; past the last, nothing.
+    f.editor.shownLines.clear();
+    QVERIFY(f.driver->ShowReportLine(0));
+    QVERIFY(f.driver->ShowReportLine(1));
+    QVERIFY(!f.driver->ShowReportLine(9));
+    QCOMPARE(f.editor.shownLines, (QList<QPair<QString, int>>{{LogicalName(main), 1}, {LogicalName(lib), 2}}));
 }
 
 // A compiled selection's error is shown in the window the text came from.
 void TestCompileDriver::SelectionErrorShownInSourceWindow()
 {
     CompileFixture f;
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", {"x"});
     const QString text = QStringLiteral("1 DROP\r\n2 DROP\r\n3 DROP\r\nBAD\r\n4 DROP");
     f.editor.windows.insert(2, {LogicalName(main), text, 8, int(text.size()) - 8});
@@ -238,42 +244,11 @@ void TestCompileDriver::SelectionErrorShownInSourceWindow()
     QCOMPARE(f.driver->LastErrorEditor(), 2);
 }
 
-// Report lines that name a file and line open it there; others do nothing.
-void TestCompileDriver::ReportLineOpensItsFile_data()
-{
-    QTest::addColumn<int>("row");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<int>("line");
-    QTest::newRow("include line: the INCLUDE in the main file") << 0 << "MAIN.KVR" << 2;
-    QTest::newRow("board error in the include file") << 1 << "LIB.KVR" << 2;
-    QTest::newRow("past the last line") << 9 << QString() << 0;
-}
-
-void TestCompileDriver::ReportLineOpensItsFile()
-{
-    QFETCH(int, row);
-    QFETCH(QString, file);
-    QFETCH(int, line);
-    CompileFixture f;
-    f.editor.loadCreatesWindow = true;
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
-    const QString main = f.Write("MAIN.KVR", {"1 DROP", "INCLUDE LIB"});
-    f.Write("LIB.KVR", {"2 DROP", "BAD"});
-    f.driver->CompileFile(main);
-    QCOMPARE(f.report->Lines().size(), 2);
-    f.editor.shownLines.clear();
-    QCOMPARE(f.driver->ShowReportLine(row), !file.isEmpty());
-    const QString path = QFileInfo(main).absolutePath() + QLatin1Char('/') + file;
-    using Shown = QList<QPair<QString, int>>;
-    const Shown expected = file.isEmpty() ? Shown() : Shown{{LogicalName(path), line}};
-    QCOMPARE(f.editor.shownLines, expected);
-}
-
 void TestCompileDriver::NoEditorHost()
 {
     CompileFixture f;
     f.driver->SetEditorHost(nullptr);
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", {"BAD"});
     f.driver->CompileFile(main);
     QCOMPARE(f.driver->State().runEnd, RunEnd::BoardError);
@@ -315,7 +290,7 @@ void TestCompileDriver::ProgressLabelsOnEveryExit()
     CompileFixture f;
     f.context->settings.noCompileDisplay = QStringLiteral("ON");
     f.terminal.progressText = QStringLiteral("stale");
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     f.board.onLine = [&f](const QByteArray &line) {
         if (line == "HALT")
             f.driver->HaltCompile();
@@ -420,7 +395,7 @@ void TestCompileDriver::ContinueAfterFix()
     QFETCH(QString, question);
     QFETCH(QStringList, sent);
     CompileFixture f;
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     f.board.replies.insert("BAD ;", "BAD ; BAD ?  - not found\r\n");
     const QString path = f.Write("MAIN.KVR", main).toUpper();
     if (!lib.isEmpty())

@@ -228,7 +228,7 @@ void TestCompilerWindows::ReportKeys()
     QWidget *second = EditorWindow(w.area);
     emit w.f.editor.EditorCreated(1, first);
     emit w.f.editor.EditorCreated(2, second);
-    w.f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    w.f.board.Lacks("BAD");
     const QString main = w.f.Write("MAIN.KVR", {"BAD"});
     w.f.editor.windows.insert(1, {main.toUpper(), {}, 0, 0});
     w.f.driver.reset();
@@ -396,7 +396,7 @@ void TestCompilerWindows::ProgressLabelsInTerminalWindow()
         captionAt = caption->geometry();
         blocks = bar->text();
     };
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     driver.CompileFile(f.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP", "BAD"}));
     QVERIFY(seen);
     QVERIFY(visible);

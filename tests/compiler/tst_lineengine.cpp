@@ -551,7 +551,7 @@ void TestLineEngine::BoardGoneMidCompile()
     QFETCH(bool, afterBoardError);
     CompileFixture f;
     if (afterBoardError) {
-        f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+        f.board.Lacks("BAD");
         f.driver->CompileFile(f.Write("EARLIER.KVR", {"BAD"}));
         QCOMPARE(f.driver->State().runEnd, RunEnd::BoardError);
         f.transport.lines.clear();

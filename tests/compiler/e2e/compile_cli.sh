@@ -17,16 +17,22 @@ failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 expect_eq() { [ "$1" == "$2" ] || fail "$3: expected '$2', got '$1'"; }
 
-# The board, on a free port, logging every line it receives.
-"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/board.log" > "$work/board.out" 2> "$work/board.err" &
-board_pid=$!
-port=""
-for _ in $(seq 1 200); do
-    port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/board.out")
-    [ -n "$port" ] && break
-    kill -0 "$board_pid" 2>/dev/null || break
-    sleep 0.05
-done
+# spawn_board NAME: a board on a free port, logging every line it receives
+# to NAME.log; sets spawned_pid and spawned_port (empty when it did not start).
+spawn_board() {
+    "$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/$1.log" > "$work/$1.out" 2> "$work/$1.err" &
+    spawned_pid=$!
+    spawned_port=""
+    for _ in $(seq 1 200); do
+        spawned_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/$1.out")
+        [ -n "$spawned_port" ] && break
+        kill -0 "$spawned_pid" 2>/dev/null || break
+        sleep 0.05
+    done
+}
+spawn_board board
+board_pid=$spawned_pid
+port=$spawned_port
 [ -n "$port" ] || { echo "kvr-board did not start:"; cat "$work/board.err"; exit 1; }
 
 settings="$work/settings"
@@ -194,14 +200,9 @@ echo "$out" | tail -n 1 | grep -q '"delay":0[,}]' || fail "a set delay was not k
 # --- continue after a fix: a program of three files stops in its second INCLUDE
 # file; once the line is fixed on disk the compile goes on from the failing
 # definition, sending nothing twice that came before it.
-"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/cont.log" > "$work/cont.out" 2> /dev/null &
-cont_pid=$!
-cont_port=""
-for _ in $(seq 1 200); do
-    cont_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/cont.out")
-    [ -n "$cont_port" ] && break
-    sleep 0.05
-done
+spawn_board cont
+cont_pid=$spawned_pid
+cont_port=$spawned_port
 mkdir -p "$work/cont"
 crlf "$work/cont/PROG.KVR" <<'SRC'
 : P1 1 ;
@@ -253,14 +254,9 @@ expect_eq "$(times_sent ": F1  10 ;")" 1 "continue --yes sent the whole program"
 kill "$cont_pid"; wait "$cont_pid" 2>/dev/null
 
 # --- the board goes away in the middle of a compile
-"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/gone.log" > "$work/gone.out" 2> /dev/null &
-gone_pid=$!
-gone_port=""
-for _ in $(seq 1 200); do
-    gone_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/gone.out")
-    [ -n "$gone_port" ] && break
-    sleep 0.05
-done
+spawn_board gone
+gone_pid=$spawned_pid
+gone_port=$spawned_port
 "$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$gone_port" \
     > "$work/gone.report" 2> "$work/err" &
 kvr_pid=$!
@@ -276,14 +272,9 @@ expect_eq "$(tail -n 1 "$work/gone.report")" "KVR4410 NOT RESPONDING" "board gon
 # --- a board that never answers (stopped: the system still accepts the
 # connection): no end address is no normal end, and Ctrl-C ends the wait at
 # once, whatever the time-out
-"$BIN/kvr-board" --port 0 --no-heartbeat > "$work/mute.out" 2> /dev/null &
-mute_pid=$!
-mute_port=""
-for _ in $(seq 1 200); do
-    mute_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/mute.out")
-    [ -n "$mute_port" ] && break
-    sleep 0.05
-done
+spawn_board mute
+mute_pid=$spawned_pid
+mute_port=$spawned_port
 kill -STOP "$mute_pid"
 : > "$work/src/EMPTY.KVR"
 out=$("$BIN/kvr" --settings-dir "$settings" compile "$work/src/EMPTY.KVR" --json --remote "127.0.0.1:$mute_port" \
