@@ -1,7 +1,7 @@
 #include "cli/ReflashCommand.h"
 #include "app/CommandLineHelp.h"
 #include "cli/BoardSession.h"
-#include "cli/Interrupts.h"
+#include "app/TerminationSignals.h"
 #include "prom/Reflash.h"
 #include <QFileInfo>
 #include <cstdio>
@@ -70,8 +70,8 @@ int RunReflashCommand(const QStringList &arguments, const QString &settingsDir)
     }
 
     Reflasher reflasher(session.Context(), session.BoardLink(), session.Driver(), &session.Terminal());
-    InterruptWatcher interrupts;
-    QObject::connect(&interrupts, &InterruptWatcher::Interrupted, &reflasher, &Reflasher::Stop);
+    TerminationSignals interrupts({SIGINT, SIGTERM, SIGHUP});
+    QObject::connect(&interrupts, &TerminationSignals::Received, &reflasher, &Reflasher::Stop);
     const ReflashOutcome outcome = reflasher.ReflashFile(file);
 
     switch (outcome.end) {

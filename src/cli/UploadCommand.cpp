@@ -1,7 +1,7 @@
 #include "cli/UploadCommand.h"
 #include "app/CommandLineHelp.h"
 #include "cli/BoardSession.h"
-#include "cli/Interrupts.h"
+#include "app/TerminationSignals.h"
 #include "prom/PromUpload.h"
 #include <QFileInfo>
 #include <cstdio>
@@ -84,8 +84,8 @@ int RunUploadCommand(const QStringList &arguments, const QString &settingsDir)
     }
 
     PromUpload upload(session.Context(), session.BoardLink(), session.Driver(), &session.Terminal());
-    InterruptWatcher interrupts;
-    QObject::connect(&interrupts, &InterruptWatcher::Interrupted, &upload, &PromUpload::Stop);
+    TerminationSignals interrupts({SIGINT, SIGTERM, SIGHUP});
+    QObject::connect(&interrupts, &TerminationSignals::Received, &upload, &PromUpload::Stop);
     const UploadOutcome outcome = upload.Run(request.start, request.end, out, format);
 
     switch (outcome.end) {
