@@ -30,7 +30,7 @@ struct BoardParser {
     QCommandLineOption baud{QStringLiteral("baud"), QStringLiteral("Send at the pace of an N baud serial line."),
                             QStringLiteral("N")};
     QCommandLineOption charTime{QStringLiteral("char-time-us"),
-                                QStringLiteral("Lose characters arriving less than N us after the last one taken."),
+                                QStringLiteral("Take a character every N us behind a 16-character buffer; characters arriving while it is full are lost."),
                                 QStringLiteral("N")};
     QCommandLineOption flash{QStringLiteral("flash"), QStringLiteral("4410F: keep the flash in FILE."),
                              QStringLiteral("FILE")};

@@ -1,20 +1,21 @@
 #include "WireModel.h"
 
+#include <algorithm>
+
 namespace kvr::board {
 
 QByteArray CharacterFilter::Take(const QByteArray &chunk, qint64 nowUs)
 {
     if (m_charTimeUs <= 0)
         return chunk;
-    QByteArray taken;
-    for (char byte : chunk) {
-        if (m_anyTaken && nowUs - m_lastTakenUs < m_charTimeUs)
-            continue;
-        taken += byte;
-        m_lastTakenUs = nowUs;
-        m_anyTaken = true;
-    }
-    return taken;
+    // The board has emptied one place of the buffer per character time.
+    if (m_started)
+        m_room = std::min<double>(BufferSize, m_room + double(nowUs - m_lastUs) / double(m_charTimeUs));
+    m_started = true;
+    m_lastUs = nowUs;
+    const qsizetype taken = std::min<qsizetype>(chunk.size(), qsizetype(m_room));
+    m_room -= double(taken);
+    return chunk.left(taken);
 }
 
 OutputPacer::OutputPacer(int baud, QObject *parent) : QObject(parent), m_baud(baud)

@@ -7,19 +7,25 @@
 
 namespace kvr::board {
 
-// A board that needs time to take each character: one arriving less than
-// charTimeUs after the last one taken is lost, as on real hardware when the
-// PC's intercharacter delay is too short. Bytes of one chunk arrive together.
+// A board that needs charTimeUs to take each character, behind a receive
+// buffer of BufferSize characters as a UART's FIFO: characters arriving
+// while it is full are lost, as on real hardware when the PC's pause
+// between characters is too short. Bytes of one chunk arrive together; the
+// buffer absorbs the bunching that scheduling puts into a well-paced stream,
+// not a PC that sends faster than the board takes.
 class CharacterFilter {
 public:
+    static constexpr int BufferSize = 16;
+
     explicit CharacterFilter(qint64 charTimeUs) : m_charTimeUs(charTimeUs) {}
     // The bytes the board takes from a chunk that arrived at nowUs.
     QByteArray Take(const QByteArray &chunk, qint64 nowUs);
 
 private:
     qint64 m_charTimeUs;
-    qint64 m_lastTakenUs = 0;
-    bool m_anyTaken = false;
+    double m_room = BufferSize;   // characters the buffer can still take
+    qint64 m_lastUs = 0;
+    bool m_started = false;
 };
 
 // Sends what the board writes at the pace of a serial line: 10 bits per
