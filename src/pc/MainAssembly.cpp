@@ -4,11 +4,14 @@
 #include "app/ui/frmMDI.h"
 #include "compiler/CompileDriver.h"
 #include "compiler/ui/CompilerWindows.h"
+#include "compiler/ui/UnravelMenu.h"
 #include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
+#include "words/DatabaseBuilder.h"
+#include "words/ui/WordsWindows.h"
 #include <QMdiArea>
 #include <algorithm>
 #include <QMdiSubWindow>
@@ -53,6 +56,7 @@ MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLi
     InstallTerminal();
     InstallEditors();
     InstallCompiler();
+    InstallWords();
     connect(&m_frame, &frmMDI::PortRequested, this, &MainAssembly::SwitchPort);
 }
 
@@ -140,6 +144,14 @@ void MainAssembly::InstallCompiler()
         if (m_context.busyState == BusyState::Compiling)
             m_compiler->Driver().HaltCompile();
     });
+}
+
+void MainAssembly::InstallWords()
+{
+    m_words = new WordsWindows(m_context, &m_editors->Pool(), m_frame.MdiArea(), this);
+    m_unravel = new UnravelMenu(m_context, m_editors->Pool(), this);
+    // Closing the program stops a build before its next line.
+    connect(&m_frame, &frmMDI::Closing, &m_words->Builder(), &DatabaseBuilder::Stop);
 }
 
 void MainAssembly::OpenFirstEditorWindow()

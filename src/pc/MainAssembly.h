@@ -14,6 +14,8 @@ class frmMDI;
 class frmEmulator;
 class EditorHost;
 class EditorWindows;
+class UnravelMenu;
+class WordsWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -34,6 +36,7 @@ private:
     void InstallEditors();
     void InstallTerminal();
     void InstallCompiler();
+    void InstallWords();
     void OpenFirstEditorWindow();
     void PlaceTerminal();
     void ShowOpeningDialogue();
@@ -47,6 +50,8 @@ private:
     frmEmulator *m_terminal = nullptr;
     EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
+    WordsWindows *m_words = nullptr;
+    UnravelMenu *m_unravel = nullptr;
 };
 
 } // namespace kvr
