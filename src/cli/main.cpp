@@ -2,6 +2,8 @@
 #include "app/CommandLineHelp.h"
 #include "cli/BoardOptions.h"
 #include "cli/CompileCommand.h"
+#include "cli/UnravelCommand.h"
+#include "cli/WordsCommand.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <cstdio>
@@ -19,6 +21,8 @@ const QList<Command> &Commands()
 {
     static const QList<Command> commands = {
         {"compile", "compile FILE on the board (kvr compile --help)", kvr::RunCompileCommand},
+        {"unravel", "write FILE with its INCLUDE files expanded (kvr unravel --help)", kvr::RunUnravelCommand},
+        {"words", "make the words database of FILE (kvr words --help)", kvr::RunWordsCommand},
     };
     return commands;
 }
