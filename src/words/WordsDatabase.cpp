@@ -146,28 +146,29 @@ bool WordsDatabase::SaveWords(const WordTable &table)
     };
     if (!query.exec(QStringLiteral("DELETE FROM ROM")) || !query.exec(QStringLiteral("DELETE FROM tblReferences")))
         return rollback(query);
+    // Named placeholders: binding by position costs Qt a string per value.
     QSqlQuery word(db);
     QSqlQuery site(db);
     if (!word.prepare(QStringLiteral("INSERT INTO ROM (Word, Definition, File, \"References\", Line, Path) "
-                                     "VALUES (?, ?, ?, ?, ?, ?)")))
+                                     "VALUES (:w, :d, :f, :r, :l, :p)")))
         return rollback(word);
-    if (!site.prepare(QStringLiteral("INSERT INTO tblReferences (Word, File, Line) VALUES (?, ?, ?)")))
+    if (!site.prepare(QStringLiteral("INSERT INTO tblReferences (Word, File, Line) VALUES (:w, :f, :l)")))
         return rollback(site);
     const QVariant noText(QMetaType::fromType<QString>());
     const QVariant noNumber(QMetaType::fromType<int>());
     for (const WordRecord *record : table.InIndexOrder()) {
-        word.bindValue(0, record->word);
-        word.bindValue(1, record->definition);
-        word.bindValue(2, Nullable(record->file));
-        word.bindValue(3, record->references ? QVariant(*record->references) : noNumber);
-        word.bindValue(4, record->IsUserWord() ? QVariant(record->line) : noNumber);
-        word.bindValue(5, record->IsUserWord() ? QVariant(record->path) : noText);
+        word.bindValue(QStringLiteral(":w"), record->word);
+        word.bindValue(QStringLiteral(":d"), record->definition);
+        word.bindValue(QStringLiteral(":f"), Nullable(record->file));
+        word.bindValue(QStringLiteral(":r"), record->references ? QVariant(*record->references) : noNumber);
+        word.bindValue(QStringLiteral(":l"), record->IsUserWord() ? QVariant(record->line) : noNumber);
+        word.bindValue(QStringLiteral(":p"), record->IsUserWord() ? QVariant(record->path) : noText);
         if (!word.exec())
             return rollback(word);
         for (const ReferenceSite &where : record->sites) {
-            site.bindValue(0, record->word);
-            site.bindValue(1, where.file);
-            site.bindValue(2, where.line);
+            site.bindValue(QStringLiteral(":w"), record->word);
+            site.bindValue(QStringLiteral(":f"), where.file);
+            site.bindValue(QStringLiteral(":l"), where.line);
             if (!site.exec())
                 return rollback(site);
         }
