@@ -16,14 +16,17 @@ QString BoardDescription(const QString &computerType)
     return {};
 }
 
-QString CaptionText(const Settings &settings, bool tcpConnected)
+QString CaptionText(const Settings &settings, bool tcpConnected, const QString &linkDown)
 {
     QString caption = AppTitle + QStringLiteral(" - ") + BoardDescription(settings.computerType)
                       + QStringLiteral(" - ");
+    const QString down = QStringLiteral(" - link down: ") + linkDown;
     if (!settings.IsTcpMode())
-        return caption + settings.commPort;
+        return caption + settings.commPort + (linkDown.isEmpty() ? QString() : down);
     caption += QStringLiteral("IP addresss ") + settings.remoteIp + QStringLiteral(" port ")
                + settings.remotePort;
+    if (!linkDown.isEmpty())
+        return caption + down;
     return caption + (tcpConnected ? QStringLiteral(" - connected") : QStringLiteral(" - no connection"));
 }
 

@@ -7,6 +7,7 @@ namespace kvr {
 // "KVR4410 ANS Forth" and so on; empty for an unknown type.
 QString BoardDescription(const QString &computerType);
 
-QString CaptionText(const Settings &settings, bool tcpConnected);
+// `linkDown`: why a link that stood is gone (empty while it stands).
+QString CaptionText(const Settings &settings, bool tcpConnected, const QString &linkDown = {});
 
 } // namespace kvr

@@ -3,9 +3,13 @@
 #include "cli/BoardOptions.h"
 #include "app/AppContext.h"
 #include "app/ConsolePrompts.h"
+#include "app/FilePaths.h"
 #include "app/Text.h"
 #include "cli/ConsoleTerminal.h"
-#include "cli/Interrupts.h"
+#include "app/TerminationSignals.h"
+#include "cli/ContinueRun.h"
+#include "cli/ProgressLine.h"
+#include "compiler/CompileProgress.h"
 #include "compiler/CompileDriver.h"
 #include "link/Link.h"
 #include <QElapsedTimer>
@@ -32,7 +36,8 @@ const char *CompileNotes =
     "without writing it; set it once in KVR-PC.INI (or start kvr-pc) to skip that.\n"
     "\n"
     "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
-    "responding or link failure, 3 bad usage, 4 halted (Ctrl-C).\n";
+    "responding, link failure or end address not confirmed, 3 bad usage,\n"
+    "4 halted (Ctrl-C).\n";
 
 struct CompileParser {
     QCommandLineParser parser;
@@ -41,11 +46,12 @@ struct CompileParser {
     QCommandLineOption json{QStringLiteral("json"),
                             QStringLiteral("One JSON object per report line, then a summary (lines sent, seconds, "
                                            "outcome, end address, delay).")};
+    QCommandLineOption resume = ContinueOption();
 
     CompileParser()
     {
         parser.setApplicationDescription(QStringLiteral("Compile a program on the board."));
-        parser.addOptions({quick, json});
+        parser.addOptions({quick, json, resume});
         parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The top-level source file."));
     }
     QString Help() const { return HelpText(parser, QStringLiteral("kvr compile")) + QLatin1String(CompileNotes); }
@@ -55,6 +61,7 @@ QString OutcomeName(RunEnd end)
 {
     switch (end) {
     case RunEnd::Finished: return QStringLiteral("finished");
+    case RunEnd::EndUnconfirmed: return QStringLiteral("end-address-unconfirmed");
     case RunEnd::FileNotFound: return QStringLiteral("file-not-found");
     case RunEnd::OverLong: return QStringLiteral("over-long");
     case RunEnd::ConditionalError: return QStringLiteral("conditional-error");
@@ -74,11 +81,19 @@ int ExitFor(RunEnd end)
     case RunEnd::OverLong:
     case RunEnd::ConditionalError:
     case RunEnd::BoardError: return ExitFault;
+    case RunEnd::EndUnconfirmed:
     case RunEnd::NotResponding: return ExitLink;
     case RunEnd::Halted: return ExitHalted;
     case RunEnd::None: break;
     }
     return ExitUsage;
+}
+
+// The file on disk behind a logical name, so that an editor or a CI
+// annotation can open it; empty stays empty.
+QString DiskPath(const QString &logicalPath)
+{
+    return logicalPath.isEmpty() ? QString() : QFileInfo(ResolvePath(logicalPath)).absoluteFilePath();
 }
 
 void PrintJson(const QJsonObject &object)
@@ -134,6 +149,8 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     CompileReport report(context);
     CompileDriver driver(context, link, &terminal, nullptr, report);
     driver.Engine().SetSettingsWriter({}); // the command line leaves KVR-PC.INI alone
+    CompileProgress progress(driver, context.clock);
+    const ProgressLine progressLine(progress, report, !parser.isSet(command.board.quiet));
 
     if (settings.computerType == QLatin1String("Terminal")) {
         driver.TerminalModeMessage();
@@ -154,7 +171,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     QObject::connect(&report, &CompileReport::LineAdded, [&options](const QString &text, const ReportEvent &event) {
         if (options.json) {
             PrintJson({{QStringLiteral("event"), QStringLiteral("report")},
-                       {QStringLiteral("file"), event.file},
+                       {QStringLiteral("file"), DiskPath(event.file)},
                        {QStringLiteral("line"), event.line},
                        {QStringLiteral("kind"), event.kind},
                        {QStringLiteral("text"), text}});
@@ -164,22 +181,29 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
         }
     });
 
-    InterruptWatcher interrupts;
-    QObject::connect(&interrupts, &InterruptWatcher::Interrupted, &driver, [&driver, &context] {
+    // Ctrl-C halts as F2 does; a shutdown or a closed terminal too, so the
+    // board is left at its prompt and the run ends with its report.
+    TerminationSignals interrupts({SIGINT, SIGTERM, SIGHUP});
+    QObject::connect(&interrupts, &TerminationSignals::Received, &driver, [&driver, &context] {
         if (context.busyState == BusyState::Compiling)
             driver.HaltCompile();
+        else
+            context.closing = true;
     });
 
     QElapsedTimer elapsed;
     elapsed.start();
-    driver.CompileFile(path);
+    if (parser.isSet(command.resume))
+        ContinueFromCommandLine(driver, prompts, path, parser.isSet(command.board.yes));
+    else
+        driver.CompileFile(path);
     const double seconds = elapsed.nsecsElapsed() / 1e9;
     const RunEnd end = driver.State().runEnd;
     const int status = ExitFor(end);
 
     if (options.json) {
         PrintJson({{QStringLiteral("event"), QStringLiteral("summary")},
-                   {QStringLiteral("file"), path},
+                   {QStringLiteral("file"), DiskPath(path)},
                    {QStringLiteral("lines_sent"), driver.State().linesSent},
                    {QStringLiteral("seconds"), seconds},
                    {QStringLiteral("outcome"), OutcomeName(end)},

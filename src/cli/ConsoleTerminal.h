@@ -1,7 +1,7 @@
 #pragma once
 // The terminal of the window-less program: there is no screen, so the
 // board's traffic and the progress bar go nowhere; the interrupt sequence
-// (a halt) is sent as the terminal window would send it.
+// (a halt) is sent as the terminal window sends it, without its waits.
 #include "link/TerminalHost.h"
 
 namespace kvr {

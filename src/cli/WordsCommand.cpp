@@ -4,9 +4,9 @@
 #include "app/ConsolePrompts.h"
 #include "app/FilePaths.h"
 #include "app/SafeSave.h"
+#include "app/TerminationSignals.h"
 #include "app/Text.h"
 #include "cli/BoardOptions.h"
-#include "cli/Interrupts.h"
 #include "words/DatabaseBuilder.h"
 #include "words/WordsDatabase.h"
 #include <QCommandLineParser>
@@ -152,8 +152,9 @@ int RunWordsCommand(const QStringList &arguments, const QString &settingsDir)
 
     DatabaseBuilder builder(context);
     builder.SetSettingsWriter({}); // the command line leaves KVR-PC.INI alone
-    InterruptWatcher interrupts;
-    QObject::connect(&interrupts, &InterruptWatcher::Interrupted, &builder, &DatabaseBuilder::Stop);
+    // Ctrl-C, a shutdown or a closed terminal stop the build as Stop does.
+    TerminationSignals interrupts({SIGINT, SIGTERM, SIGHUP});
+    QObject::connect(&interrupts, &TerminationSignals::Received, &builder, &DatabaseBuilder::Stop);
     builder.MakeDatabase(source);
 
     switch (builder.LastEnd()) {

@@ -2,6 +2,7 @@
 #include "app/AppContext.h"
 #include "app/FilePaths.h"
 #include "app/SafeSave.h"
+#include "compiler/RunReplay.h"
 #include "compiler/SearchPaths.h"
 #include "compiler/SourceText.h"
 #include "editor/EditorHost.h"
@@ -59,6 +60,62 @@ CompileDriver::CompileDriver(AppContext &context, Link &link, TerminalHost *term
 {
     m_engine.SetDefaultSearchPaths(DefaultSearchPaths(context.paths));
     m_state.noDisplay = context.settings.IsOn(context.settings.noCompileDisplay);
+    // Every run leaves its record, so that one stopped by the board can continue.
+    connect(this, &CompileDriver::RunStarted, this, [this](const QString &path) { m_record.Begin(path); });
+    connect(&m_engine.Events(), &CompileEvents::LineSent, this,
+            [this](const QString &file, int line, const QString &text) { m_record.Add(file, line, text); });
+    connect(this, &CompileDriver::RunEnded, this, [this](RunEnd end) {
+        m_record.end = end;
+        m_record.Save(RunRecordPath());
+    });
+}
+
+QString CompileDriver::RunRecordPath() const
+{
+    return m_context.paths.WindowsFolder() + QStringLiteral("kvr-pc-run.json");
+}
+
+QString CompileDriver::TryContinue(const QString &path)
+{
+    const std::optional<RunRecord> record = RunRecord::Load(RunRecordPath());
+    if (!record || record->topLevelFile != path)
+        return QStringLiteral("There is no stopped compile of %1 to continue.").arg(path);
+    if (record->end == RunEnd::Finished)
+        return QStringLiteral("The last compile of %1 finished; there is nothing to continue.").arg(path);
+    if (record->end != RunEnd::BoardError)
+        return QStringLiteral("The last compile of %1 did not stop on a board error; there is nothing to continue.")
+            .arg(path);
+
+    RunReplay replay(*record);
+    m_engine.SetReplay(&replay);
+    CompileFile(path);
+    m_engine.SetReplay(nullptr);
+    // Nothing went to the board: the stopped run can still be continued.
+    if (!replay.Resumed())
+        record->Save(RunRecordPath());
+    if (!replay.Changed())
+        return {};
+    const QString place = replay.ChangedLine() > 0
+                              ? QStringLiteral("%1 line %2").arg(replay.ChangedFile()).arg(replay.ChangedLine())
+                              : replay.ChangedFile();
+    return QStringLiteral("%1 has changed since the last compile of %2, so it cannot continue.").arg(place, path);
+}
+
+void CompileDriver::ContinueLastCompile()
+{
+    if (RefuseTerminalMode())
+        return;
+    if (m_editor)
+        m_editor->SaveBeforeCompile(0); // saves what changed, leaves the current file as it is
+    const std::optional<RunRecord> record = RunRecord::Load(RunRecordPath());
+    const QString path = record ? record->topLevelFile : m_context.settings.currentFile;
+    const QString reason = TryContinue(path);
+    if (reason.isEmpty())
+        return;
+    if (m_context.prompts.Message(reason + QStringLiteral("\n\nCompile the whole program from the start?"),
+                                  PromptIcon::Question, PromptButtons::YesNo)
+        == PromptAnswer::Yes)
+        CompileFile(path);
 }
 
 void CompileDriver::TerminalModeMessage()
@@ -112,6 +169,8 @@ void CompileDriver::CompileFile(const QString &path)
     m_state.conditionalState = 0;
     m_state.ResetQuietLineBuffer();
     m_state.shownLine.clear();
+    // After a time-out the last reply is judged again: it must be this run's.
+    m_state.replyLine.clear();
     m_state.runEnd = RunEnd::None;
     m_state.linesSent = 0;
     m_state.noDisplay = m_context.settings.IsOn(m_context.settings.noCompileDisplay);

@@ -5,6 +5,7 @@
 #include "compiler/CompileReport.h"
 #include "compiler/CompileState.h"
 #include "compiler/LineEngine.h"
+#include "compiler/RunRecord.h"
 #include <QObject>
 
 namespace kvr {
@@ -49,6 +50,17 @@ public:
     void ToggleQuickCompile(bool wasChecked);
     void ToggleNoCompileDisplay(bool wasChecked);
 
+    // Continues the compile of `path` that stopped on a board error, from
+    // the start of the failing definition, when everything before it is
+    // unchanged. Empty when it did (whatever the continued run's outcome);
+    // otherwise why not, and nothing was sent.
+    QString TryContinue(const QString &path);
+    // The Compile menu's Continue: the last run's program (or the current
+    // file), offering a compile from the start when it cannot continue.
+    void ContinueLastCompile();
+    // Where the last run's record is kept.
+    QString RunRecordPath() const;
+
     // F2 in the terminal, an editor or the report: ask the running compile
     // to stop and get the board back to its prompt.
     void HaltCompile();
@@ -86,6 +98,7 @@ private:
     int m_lastErrorEditor = 0;
     SelectionSource m_nextSelection;
     SelectionSource m_selection;
+    RunRecord m_record;
 };
 
 // Start of the last line beginning with ": " at or before `cursor`, or 0.

@@ -29,6 +29,7 @@ struct IncludeEntry {
 enum class RunEnd {
     None,
     Finished,
+    EndUnconfirmed, // finished, but the board did not give its end address
     FileNotFound,
     OverLong,
     ConditionalError,

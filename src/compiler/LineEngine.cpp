@@ -2,11 +2,13 @@
 #include "app/AppContext.h"
 #include "app/Text.h"
 #include "compiler/ConditionalCompilation.h"
+#include "compiler/RunReplay.h"
 #include "compiler/SearchPaths.h"
 #include "compiler/SourceText.h"
 #include "link/Link.h"
 #include "link/TerminalHost.h"
 #include "link/WaitGuard.h"
+#include <QRegularExpression>
 #include <limits>
 
 namespace kvr {
@@ -21,6 +23,14 @@ quint32 DeadlineAfterTimeout(Clock &clock, const QString &timeout)
 {
     const double ms = std::clamp(Val(timeout), 0.0, double(std::numeric_limits<qint32>::max()));
     return clock.TickCount() + static_cast<quint32>(ms);
+}
+
+// Whether the reply to the end command shows HERE: hexadecimal digits after
+// the echo and one blank, up to a blank or the end.
+bool ShowsEndAddress(const QString &reply)
+{
+    static const QRegularExpression hexWord(QStringLiteral("^[0-9A-Fa-f]+( |$)"));
+    return hexWord.match(QStringView(reply).mid(EndCommand.size() + 1)).hasMatch();
 }
 } // namespace
 
@@ -37,14 +47,38 @@ QString LineEngine::Prefix() const
            + QString::number(m_state.includeStack[0].lineNumber);
 }
 
+bool LineEngine::Replaying() const
+{
+    return m_replay && m_replay->Replaying();
+}
+
+void LineEngine::ResumeIfDue()
+{
+    if (!m_replay || !m_replay->TakeResume())
+        return;
+    const IncludeEntry &active = m_state.includeStack[0];
+    m_report.AddReportLine(QStringLiteral("CONTINUED at ") + ShortenPath(active.name) + QStringLiteral(" line ")
+                               + QString::number(active.lineNumber),
+                           {QStringLiteral("continued"), active.name, active.lineNumber});
+}
+
 void LineEngine::Report(const QString &text, const QString &kind, bool withPosition)
 {
+    // The run being continued reported these already.
+    if (Replaying())
+        return;
     ReportEvent event{kind, m_state.CurrentFile(), withPosition ? m_state.includeStack[0].lineNumber : 0};
     m_report.AddReportLine(withPosition ? Prefix() + text : text, event);
 }
 
 void LineEngine::EndRun(RunEnd why)
 {
+    // Stopping short of the restart line means the program changed: nothing
+    // was sent, so the run is refused rather than failed.
+    if (Replaying() && why != RunEnd::Halted) {
+        m_replay->StoppedAt(m_state.CurrentFile(), m_state.includeStack[0].lineNumber);
+        why = RunEnd::None;
+    }
     m_state.topLevelFile.clear();
     CloseSourceFiles();
     m_state.runEnd = why;
@@ -67,12 +101,15 @@ void LineEngine::CompileNextLine(QString &fileName)
         const bool found = FindSourceFile(fileName, active.fileNumber, m_state.files, searchList, m_context.prompts);
         active.name = fileName;
         if (!found) {
-            Report(QStringLiteral("HALTED COMPILE, FILE NOT FOUND: ") + ShortenPath(fileName),
-                   QStringLiteral("file-not-found"), false);
+            // What to look at is the INCLUDE line that named the file.
+            const IncludeEntry parent = m_state.suspendedCount > 0 ? m_state.includeStack[1] : IncludeEntry{};
+            m_report.AddReportLine(QStringLiteral("HALTED COMPILE, FILE NOT FOUND: ") + ShortenPath(fileName),
+                                   {QStringLiteral("file-not-found"), parent.name, parent.lineNumber});
             EndRun(RunEnd::FileNotFound);
             return;
         }
         active.lineNumber = 0;
+        emit m_events.FileOpened(fileName);
     }
 
     if (m_state.files.AtEnd(active.fileNumber)) {
@@ -80,6 +117,7 @@ void LineEngine::CompileNextLine(QString &fileName)
     } else {
         QString line = RTrim(m_state.files.ReadLine(active.fileNumber));
         ++active.lineNumber;
+        emit m_events.LineRead(active.name, active.lineNumber);
         const qsizetype firstNonBlank = line.size() - LTrim(line).size();
         if (line.size() > MaxLineLength) {
             Report(QStringLiteral(": OVER 80 CHARACTERS"), QStringLiteral("over-long"));
@@ -114,22 +152,33 @@ void LineEngine::EndOfFile(QString &fileName)
         --m_state.suspendedCount;
         return;
     }
+    // The program now ends before the line the continued run restarts at.
+    if (Replaying()) {
+        EndRun(RunEnd::None);
+        return;
+    }
     FinishTopLevel(fileName);
 }
 
 void LineEngine::FinishTopLevel(const QString &fileName)
 {
+    ResumeIfDue();
     EndRun(RunEnd::Finished);
     m_link.SendText(EndCommand, true);
     Clock &clock = m_context.clock;
     const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     const WaitGuard guard;
-    while (!m_receiver.ReceiveLineQuiet() && !m_context.closing && m_link.Usable()) {
+    bool answered = false;
+    while (!(answered = m_receiver.ReceiveLineQuiet()) && !m_context.closing && m_link.Usable()) {
         const quint32 now = clock.TickCount();
         if (!TickBefore(now, deadline))
             break;
         m_link.ServeWhileWaiting(deadline - now);
     }
+    // The report keeps whatever stands there; callers that trust the end
+    // address must know when the board never gave one.
+    if (!answered || !ShowsEndAddress(m_state.replyLine))
+        m_state.runEnd = RunEnd::EndUnconfirmed;
     const QString address = m_state.replyLine.mid(26, 4);
     const QString upper = fileName.toUpper();
     if (!upper.contains(QLatin1String("PROGMOT.KVR")) && !upper.contains(QLatin1String("PROGINT.KVR")))
@@ -186,7 +235,9 @@ void LineEngine::BoardLine(QString line)
 {
     const int r = EvaluateDirective(line, m_state.conditionalState, m_state.conditionValue);
     if (r == -1) {
-        m_context.compileOutcome = CompileOutcome::Error;
+        // Before the restart line it is a change to report, not a line to show.
+        if (!Replaying())
+            m_context.compileOutcome = CompileOutcome::Error;
         Report(QStringLiteral(": CONDITIONAL COMPILATION ERROR"), QStringLiteral("conditional-error"));
         EndRun(RunEnd::ConditionalError);
         return;
@@ -197,24 +248,37 @@ void LineEngine::BoardLine(QString line)
         CompactLine(line);
     if (line.isEmpty())
         return;
+    const IncludeEntry &active = m_state.includeStack[0];
+    if (Replaying()) {
+        if (m_replay->Match(active.name, active.lineNumber, line))
+            emit m_events.LineSent(active.name, active.lineNumber, line); // the board has it already
+        else
+            EndRun(RunEnd::None);
+        return;
+    }
+    ResumeIfDue();
 
     m_link.SendText(line, true);
     ++m_state.linesSent;
+    emit m_events.LineSent(active.name, active.lineNumber, line);
     Clock &clock = m_context.clock;
     const quint32 deadline = DeadlineAfterTimeout(clock, m_context.settings.timeout);
     bool complete = false;
     const WaitGuard guard;
     for (;;) {
         complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();
-        const quint32 now = clock.TickCount();
-        // A link that is down cannot answer: no use sitting out the time-out.
-        if (complete || !TickBefore(now, deadline) || !m_link.Usable())
+        if (complete)
             break;
         // F2 handled while waiting (the TCP link yields here) sends the
         // interrupt, whose own wait takes this line's reply: stop at once
-        // and let the halt test end the run. Closing the program halts too.
+        // and let the halt test end the run, before the time-out is judged,
+        // as that wait may have outlasted it. Closing the program halts too.
         if (m_context.compileOutcome == CompileOutcome::HaltRequested || m_context.closing)
             return;
+        const quint32 now = clock.TickCount();
+        // A link that is down cannot answer: no use sitting out the time-out.
+        if (!TickBefore(now, deadline) || !m_link.Usable())
+            break;
         m_link.ServeWhileWaiting(deadline - now);
     }
 

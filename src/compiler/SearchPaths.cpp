@@ -1,6 +1,7 @@
 #include "compiler/SearchPaths.h"
 #include "app/AppContext.h"
 #include "compiler/SourceFiles.h"
+#include <QDir>
 
 namespace kvr {
 
@@ -58,8 +59,9 @@ QString AddSearchPath(const QString &extraSearchPaths, const QString &answer)
         return extraSearchPaths;
     QString result = extraSearchPaths + answer;
     if (!result.endsWith(QLatin1Char(';'))) {
+        // A typed "\" ends a folder too; what we add is the platform's own.
         if (!result.endsWith(QLatin1Char('\\')) && !result.endsWith(QLatin1Char('/')))
-            result += QLatin1Char('\\');
+            result += QDir::separator();
         result += QLatin1Char(';');
     }
     return result;

@@ -1,6 +1,7 @@
 #include "compiler/SourceFiles.h"
 #include "app/FilePaths.h"
 #include <QFileInfo>
+#include <algorithm>
 
 namespace kvr {
 
@@ -56,6 +57,9 @@ QString SourceFiles::ReadLine(int number, qsizetype keep)
         return {};
     QFile &file = *it->second;
     QByteArray bytes;
+    // Blanks are held back until text follows them: a cut line still ends
+    // in text, so a long run of blanks before a word cannot hide the word.
+    qsizetype blanks = 0;
     char c = 0;
     while (file.getChar(&c)) {
         if (c == '\n')
@@ -66,8 +70,15 @@ QString SourceFiles::ReadLine(int number, qsizetype keep)
                 file.ungetChar(next);
             break;
         }
-        if (bytes.size() <= keep)
+        if (c == ' ') {
+            ++blanks;
+            continue;
+        }
+        if (bytes.size() <= keep) {
+            bytes.append(std::min(blanks, keep - bytes.size()), ' ');
             bytes += c;
+        }
+        blanks = 0;
     }
     return QString::fromLatin1(bytes);
 }

@@ -22,9 +22,10 @@ public:
     void CloseAll();
 
     bool AtEnd(int number) const;
-    // The next line without its end. Lines longer than `keep` characters
-    // come back cut to `keep + 1` characters (enough to tell they are too
-    // long) so a binary file without line ends cannot exhaust memory.
+    // The next line without its end and its trailing blanks. Lines longer
+    // than `keep` characters come back cut to `keep + 1` characters (enough
+    // to tell they are too long) so a binary file without line ends cannot
+    // exhaust memory.
     QString ReadLine(int number, qsizetype keep = 4096);
     qint64 Position(int number) const;
     void Seek(int number, qint64 position);

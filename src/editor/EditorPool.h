@@ -76,6 +76,11 @@ public:
     QStringList RecentFiles() const { return m_recent; }
 
     void Backup(int index);
+    // When no question can be asked (the session ends): the text of every
+    // changed window goes to the next numbered backup of its file (of
+    // UNTITLED.KVR in the program folder for a window without one). One
+    // line per window says where it went or why it could not.
+    QStringList KeepChangedTextAsBackups();
     void Restore(int index);
     void RestoreChosen(int index, const QString &entry);
     void RestoreCancelled(int index);

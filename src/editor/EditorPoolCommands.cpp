@@ -70,6 +70,39 @@ void EditorPool::Backup(int index)
     SaveFile(directory + QLatin1Char('/') + *answer, index, true);
 }
 
+QStringList EditorPool::KeepChangedTextAsBackups()
+{
+    QStringList said;
+    for (int index : OpenIndexes()) {
+        if (!m_fstate[index].Dirty)
+            continue;
+        const EditorView *view = m_document[index];
+        const QString file = IsUnnamed(view->Caption())
+                                 ? m_context.paths.ProgramFolder() + QStringLiteral("UNTITLED.KVR")
+                                 : DiskName(index);
+        const BackupScan scan = ScanHighestBackup(file);
+        QString failure;
+        QString backup;
+        if (scan.stoppedByError) {
+            failure = scan.description;
+        } else if (scan.highest >= 999) {
+            failure = BackupName(file, 999) + QStringLiteral(" already exists");
+        } else {
+            backup = ResolvePath(BackupName(file, scan.highest + 1));
+            const SaveResult saved = SaveWholeFile(backup, SourceBytesForSave(view->Text()));
+            if (!saved.Ok())
+                failure = saved.description;
+        }
+        if (failure.isEmpty()) {
+            m_fstate[index].Dirty = false;
+            said << view->Caption() + QStringLiteral(": kept in ") + backup;
+        } else {
+            said << view->Caption() + QStringLiteral(": not kept, ") + failure;
+        }
+    }
+    return said;
+}
+
 void EditorPool::Restore(int index)
 {
     EditorView *view = NamedDocument(index, QStringLiteral("Restore"));

@@ -4,7 +4,8 @@
 #include "link/TerminalHost.h"
 #include <QCoreApplication>
 #include <algorithm>
-#include <QTimer>
+#include "link/WaitGuard.h"
+#include <QFileInfo>
 
 namespace kvr {
 
@@ -12,12 +13,22 @@ namespace {
 // A board that goes away closes both sockets at once; the heartbeat's report
 // waits this long to learn whether the data socket's message already told it.
 constexpr int HeartbeatReportDelayMs = 200;
+// How often a lost link is looked for again.
+constexpr int WatchIntervalMs = 500;
+// A board that just came back sends its sign-on; the start-up commands wait for it.
+constexpr double SettleSeconds = 0.5;
 }
 
 LinkController::LinkController(AppContext &context, Link &link, QObject *parent)
     : QObject(parent), m_context(context), m_link(link)
 {
+    m_watch.setInterval(WatchIntervalMs);
+    connect(&m_watch, &QTimer::timeout, this, &LinkController::TryReopen);
     connect(&m_tcp, &TcpTransport::ClientConnected, this, [this] {
+        if (m_reconnecting) {
+            Reopened();
+            return;
+        }
         // The caption says connected by the time the box does.
         emit CaptionChanged();
         m_context.prompts.Message(QStringLiteral("Connected to IP address ") + m_tcp.Host()
@@ -26,7 +37,7 @@ LinkController::LinkController(AppContext &context, Link &link, QObject *parent)
     });
     connect(&m_tcp, &TcpTransport::ClientError, this, &LinkController::OnClientError);
     connect(&m_tcp, &TcpTransport::HeartbeatError, this, &LinkController::OnHeartbeatError);
-    connect(&m_tcp, &Transport::LinkLost, this, [this] { m_tcpLost = true; });
+    connect(&m_tcp, &Transport::LinkLost, this, &LinkController::OnTcpLost);
     connect(&m_serial, &Transport::LinkLost, this, &LinkController::OnSerialLost);
     connect(&m_serial, &SerialTransport::PortError, this, &LinkController::SerialFault);
 }
@@ -73,6 +84,7 @@ bool LinkController::OpenSerial()
 
 void LinkController::ConnectRemote()
 {
+    StopWatching();
     UsePort(0);
     m_tcpLost = false;
     const Settings &s = m_context.settings;
@@ -103,6 +115,7 @@ void LinkController::ApplyBaudRate()
 
 void LinkController::SelectPort(int n)
 {
+    StopWatching();
     emit PortChanged(n);
     m_serial.Close();
     m_tcp.Close();
@@ -156,6 +169,7 @@ void LinkController::ConnectFromDialog(const QString &address, const QString &po
 
 void LinkController::DisconnectFromDialog()
 {
+    StopWatching();
     if (m_context.settings.IsTcpMode())
         m_tcp.CloseClient();
     emit BringTerminalForward();
@@ -164,6 +178,12 @@ void LinkController::DisconnectFromDialog()
 
 void LinkController::OnClientError(const QString &description)
 {
+    // The watch retries quietly; a lost link was said once already, and a
+    // compile reports it in its own words.
+    if (m_reconnecting || (m_tcpLost && Compiling())) {
+        emit CaptionChanged();
+        return;
+    }
     const QChar lf(10);
     m_context.prompts.Message(QStringLiteral("TCP/IP connection error") + lf + lf
                                   + QStringLiteral("Failed when trying to connect to IP address ")
@@ -189,10 +209,84 @@ void LinkController::OnHeartbeatError(const QString &description)
 void LinkController::OnSerialLost(const QString &reason)
 {
     emit SerialFault();
+    GoDown(reason);
+    if (Compiling())
+        return;
+    const QChar lf(10);
     m_context.prompts.Message(QStringLiteral("Com port ") + QString::number(PortNumber())
-                                  + QStringLiteral(" not available"),
+                                  + QStringLiteral(" not available") + lf + lf + reason + lf + lf
+                                  + QStringLiteral("The port is opened again when the board is back."),
                               PromptIcon::Exclamation);
+}
+
+void LinkController::OnTcpLost(const QString &reason)
+{
+    m_tcpLost = true;
+    GoDown(reason);
+}
+
+bool LinkController::Compiling() const
+{
+    // A running compile ends with its own not-responding message; a second
+    // box about the same loss would only be in the way.
+    return m_context.busyState == BusyState::Compiling;
+}
+
+void LinkController::GoDown(const QString &reason)
+{
+    if (!m_downReason.isEmpty())
+        return;
+    m_downReason = reason.isEmpty() ? QStringLiteral("connection lost") : reason;
+    emit LinkStateChanged(m_downReason);
     emit CaptionChanged();
+    m_watch.start();
+}
+
+void LinkController::StopWatching()
+{
+    m_watch.stop();
+    m_reconnecting = false;
+    if (m_downReason.isEmpty())
+        return;
+    m_downReason.clear();
+    emit LinkStateChanged(QString());
+}
+
+void LinkController::TryReopen()
+{
+    // Not inside another exchange with the board or a compile that has not
+    // yet ended, nor while the program ends.
+    if (WaitGuard::Active() || m_context.closing || Compiling())
+        return;
+    if (m_context.settings.IsTcpMode()) {
+        if (m_tcp.IsConnecting() || m_tcp.IsUsable())
+            return;
+        m_reconnecting = true;
+        const Settings &s = m_context.settings;
+        m_tcp.Connect(s.remoteIp, static_cast<quint16>(Val(s.remotePort)));
+        return;
+    }
+    // Opened as the port was, but the screen keeps what the user saw.
+    const QString device = m_context.settings.SerialDevice(QStringLiteral("COM%1").arg(PortNumber()));
+    if (QFileInfo::exists(device) && m_serial.Open(device, static_cast<qint32>(Val(m_context.settings.baudRate))))
+        Reopened();
+}
+
+void LinkController::Reopened()
+{
+    m_watch.stop();
+    m_reconnecting = false;
+    m_tcpLost = false;
+    m_downReason.clear();
+    m_link.ClearInput();
+    emit CaptionChanged();
+    if (m_terminal) {
+        // A board that comes back is greeted as one freshly connected.
+        m_link.Pause(SettleSeconds);
+        SendStartupCommands(m_link, *m_terminal);
+    }
+    // After the greeting, which may clear the screen, so the note stays.
+    emit LinkStateChanged(QString());
 }
 
 } // namespace kvr

@@ -6,6 +6,7 @@
 #include "link/Link.h"
 #include "link/SerialTransport.h"
 #include "link/TcpTransport.h"
+#include <QTimer>
 
 namespace kvr {
 
@@ -41,6 +42,9 @@ public:
     int PortNumber() const;
     bool IsTcpConnected() const { return m_tcp.IsConnected(); }
     QString StatusText() const { return m_status; }
+    // Why the link that stood is gone; empty while it stands or was closed
+    // on purpose. While it is down the controller tries to reopen it.
+    QString DownReason() const { return m_downReason; }
 
     SerialTransport &Serial() { return m_serial; }
     TcpTransport &Tcp() { return m_tcp; }
@@ -58,6 +62,8 @@ signals:
     void BringTerminalForward();
     // A serial error or a lost serial device: the terminal shows its indicator.
     void SerialFault();
+    // The link went down (`reason`) or came back (empty).
+    void LinkStateChanged(const QString &reason);
 
 private:
     void UsePort(int n);
@@ -69,6 +75,14 @@ private:
     void OnClientError(const QString &description);
     void OnHeartbeatError(const QString &description);
     void OnSerialLost(const QString &reason);
+    void OnTcpLost(const QString &reason);
+    // Marks the link down and starts watching for it to come back.
+    void GoDown(const QString &reason);
+    void StopWatching();
+    void TryReopen();
+    void Reopened();
+    // A message box now would stack on the compile's own report of it.
+    bool Compiling() const;
 
     AppContext &m_context;
     Link &m_link;
@@ -79,6 +93,10 @@ private:
     double m_connectLimit = 30.0;
     // The data connection broke after it stood: reported already.
     bool m_tcpLost = false;
+    QString m_downReason;
+    QTimer m_watch;
+    // A connection attempt of the watch, not of the user: no boxes.
+    bool m_reconnecting = false;
 };
 
 } // namespace kvr

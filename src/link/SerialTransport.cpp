@@ -108,7 +108,9 @@ void SerialTransport::Lose(const QString &reason)
     if (!m_port.isOpen())
         return;
     m_port.close();
-    emit LinkLost(reason);
+    // The system's own words ("Resource temporarily unavailable") say little
+    // when the device itself went away.
+    emit LinkLost(QFileInfo::exists(m_devicePath) ? reason : QStringLiteral("device %1 is gone").arg(m_devicePath));
 }
 
 bool SerialTransport::DeviceVanished()
@@ -124,7 +126,7 @@ void SerialTransport::Write(const QByteArray &bytes)
     if (!m_port.isOpen())
         return;
     if (m_port.write(bytes) != bytes.size()) {
-        Lose(m_port.errorString());
+        Lose(QStringLiteral("write error on %1: %2").arg(m_devicePath, m_port.errorString()));
         return;
     }
     PushOut();
@@ -147,7 +149,7 @@ void SerialTransport::PushOut()
     // paces the wire and not Qt's buffer.
     if (!m_port.flush()) {
         if (m_port.error() == QSerialPort::WriteError) {
-            Lose(m_port.errorString());
+            Lose(QStringLiteral("write error on %1: %2").arg(m_devicePath, m_port.errorString()));
             return;
         }
         m_port.clearError(); // the buffer filled between the look and the write
@@ -166,7 +168,7 @@ void SerialTransport::Poll()
     const QSerialPort::SerialPortError error = m_port.error();
     if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError
         || error == QSerialPort::PermissionError) {
-        Lose(m_port.errorString());
+        Lose(QStringLiteral("read error on %1: %2").arg(m_devicePath, m_port.errorString()));
         return;
     }
     if (error == QSerialPort::TimeoutError)

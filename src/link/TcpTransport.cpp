@@ -115,9 +115,10 @@ void TcpTransport::OnClientError(QAbstractSocket::SocketError error)
     const bool wasConnected = m_wasConnected;
     m_wasConnected = false;
     CloseClient();
-    emit ClientError(description);
+    // The loss first: whoever reports the error knows it ended a link that stood.
     if (wasConnected)
         emit LinkLost(description);
+    emit ClientError(description);
 }
 
 void TcpTransport::OnHeartbeatError(QAbstractSocket::SocketError)

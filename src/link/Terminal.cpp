@@ -77,6 +77,11 @@ void Terminal::ClearScreen()
 
 void Terminal::SendTyped(const QString &text)
 {
+    // Nothing can go out: a beep says so, once per key.
+    if (!text.isEmpty() && !m_link.Usable()) {
+        m_link.BeepUnlessQuiet();
+        return;
+    }
     for (QChar c : text) {
         m_link.SendText(QString(c), false);
         m_history.Sent(c);
@@ -278,6 +283,21 @@ void Terminal::ToggleCapsLock()
     s.capsLock = CapsLockOn() ? QStringLiteral("OFF") : QStringLiteral("ON");
     m_context.WriteSettings();
     emit CapsLockChanged(CapsLockOn());
+}
+
+void Terminal::SetLinkState(const QString &reason)
+{
+    if (reason == m_linkDown)
+        return;
+    const QString note = reason.isEmpty() ? QStringLiteral("[link back]")
+                                          : QStringLiteral("[link down: %1]").arg(reason);
+    m_linkDown = reason;
+    if (reason.isEmpty())
+        m_serialErrorTicks = 0;
+    // On the screen only: a capture holds what the board sent.
+    m_screen.Feed(((m_screen.Column() > 0 ? QStringLiteral("\r\n") : QString()) + note + QStringLiteral("\r\n")).toLatin1());
+    emit ScreenChanged();
+    emit IndicatorsChanged();
 }
 
 void Terminal::ShowSerialError()

@@ -71,8 +71,14 @@ public:
 
     bool InputTimerEnabled() const { return m_inputTimerEnabled; }
     bool CursorShown() const { return m_blink; }
-    bool SerialErrorShown() const { return m_serialErrorTicks > 0; }
+    // The indicator stays while the link is down, and for a while after a
+    // serial error.
+    bool SerialErrorShown() const { return m_serialErrorTicks > 0 || !m_linkDown.isEmpty(); }
     void ShowSerialError();
+    // The link went down for `reason`, or came back (empty): a line on the
+    // screen says so, and the indicator names the reason.
+    void SetLinkState(const QString &reason);
+    QString LinkDownReason() const { return m_linkDown; }
     bool ProgressVisible() const { return m_progressVisible; }
     void SetProgressCapacity(int capacity) { m_progressCapacity = capacity; }
 
@@ -116,6 +122,7 @@ private:
     bool m_inShowReceived = false;
     int m_ticks = 0;
     int m_serialErrorTicks = 0;
+    QString m_linkDown;
     bool m_progressVisible = false;
     int m_progressCapacity = 40;
     QString m_progressText;

@@ -16,6 +16,11 @@ WaitGuard::WaitGuard()
         QCoreApplication::instance()->installEventFilter(this);
 }
 
+bool WaitGuard::Active()
+{
+    return g_depth > 0;
+}
+
 WaitGuard::~WaitGuard()
 {
     --g_depth;

@@ -18,6 +18,8 @@ public:
     // leave the work to the outermost one.
     WaitGuard();
     ~WaitGuard() override;
+    // Some wait for the board is in progress.
+    static bool Active();
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -3,8 +3,10 @@
 #include "app/ui/frmComputer.h"
 #include "app/ui/frmMDI.h"
 #include "compiler/CompileDriver.h"
+#include "compiler/CompileProgress.h"
 #include "compiler/ui/CompilerWindows.h"
 #include "compiler/ui/UnravelMenu.h"
+#include "editor/EditorPool.h"
 #include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
@@ -18,6 +20,8 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
 #include <QPlainTextEdit>
 #include <QTimer>
 #include <QWindow>
@@ -98,6 +102,7 @@ void MainAssembly::InstallTerminal()
     if (!m_commandLine.simulatorHost.isEmpty())
         controller.Tcp().SetHeartbeatPort(0);
     m_frame.SetTcpConnectedProvider([&controller] { return controller.IsTcpConnected(); });
+    m_frame.SetLinkDownProvider([&controller] { return controller.DownReason(); });
     connect(&controller, &LinkController::PortChanged, &m_frame, &frmMDI::UpdateTicks);
     connect(&m_frame, &frmMDI::TerminalRequested, m_terminal, &frmEmulator::BringForward);
     connect(&controller, &LinkController::CaptionChanged, &m_frame, &frmMDI::UpdateCaption);
@@ -138,6 +143,20 @@ void MainAssembly::InstallCompiler()
         if (QAction *item = m_frame.Item(name))
             item->trigger();
     });
+    // A link lost under a compile is named in its report, next to the
+    // not-responding line the compile writes.
+    connect(&m_terminal->Controller(), &LinkController::LinkStateChanged, this, [this](const QString &reason) {
+        if (!reason.isEmpty() && m_context.busyState == BusyState::Compiling)
+            m_compiler->Driver().Report().AddReportLine(QStringLiteral("LINK DOWN: ") + reason);
+    });
+    // The terminal's title bar tells how far a compile has come.
+    if (QWidget *terminalWindow = m_terminal->parentWidget()) {
+        const QString title = terminalWindow->windowTitle();
+        connect(&m_compiler->Progress(), &CompileProgress::Updated, terminalWindow,
+                [terminalWindow, title](const QString &text) {
+                    terminalWindow->setWindowTitle(text.isEmpty() ? title : title + QStringLiteral(" - ") + text);
+                });
+    }
     // Closing the program stops a compile: the interrupt goes out, nothing
     // more is sent, and no wait holds the program back.
     connect(&m_frame, &frmMDI::Closing, this, [this] {
@@ -225,6 +244,42 @@ void MainAssembly::PlaceTerminal()
         }
 }
 
+QString MainAssembly::SessionNoteFile() const
+{
+    return QFileInfo(m_context.paths.SettingsFile()).absolutePath() + QStringLiteral("/UNSAVED.TXT");
+}
+
+void MainAssembly::EndSession()
+{
+    if (m_ending)
+        return;
+    m_ending = true;
+    const QStringList kept = m_editors->Pool().KeepChangedTextAsBackups();
+    if (!kept.isEmpty()) {
+        QFile note(SessionNoteFile());
+        if (note.open(QIODevice::Append | QIODevice::Text))
+            note.write((kept.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8());
+    }
+    m_frame.CloseWithoutQuestions();
+}
+
+void MainAssembly::ShowSessionNote()
+{
+    QFile note(SessionNoteFile());
+    if (!note.open(QIODevice::ReadOnly | QIODevice::Text))
+        return;
+    const QString kept = QString::fromUtf8(note.readAll()).trimmed();
+    note.close();
+    note.remove();
+    if (kept.isEmpty())
+        return;
+    const QChar lf(10);
+    m_context.prompts.Message(QStringLiteral("KVR-PC was ended by the system while text was not saved.") + lf + lf
+                                  + kept + lf + lf
+                                  + QStringLiteral("Restore in the editor's File menu brings a backup back."),
+                              PromptIcon::Information);
+}
+
 void MainAssembly::Start()
 {
     // The terminal's load handler opens the configured link first.
@@ -232,6 +287,7 @@ void MainAssembly::Start()
     OpenFirstEditorWindow();
     PlaceTerminal();
     PaintBeforeBlocking(m_frame);
+    ShowSessionNote();
     if (!m_commandLine.simulatorHost.isEmpty())
         ConnectToBoard();
     else if (m_context.settings.openingDialogue != QLatin1String("OFF"))

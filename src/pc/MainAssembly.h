@@ -31,6 +31,10 @@ public:
     frmEmulator &TerminalWindow() { return *m_terminal; }
     // The pool of editor windows, as the compiler drives it.
     EditorHost &Editors();
+    // The desktop session or a signal ends the program: no question can be
+    // asked, so changed text goes to numbered backups (said at the next
+    // start) and the frame closes as Exit would.
+    void EndSession();
 
 private:
     void InstallEditors();
@@ -42,6 +46,9 @@ private:
     void ShowOpeningDialogue();
     void SwitchPort(int port);
     void ConnectToBoard();
+    // The note EndSession left, shown once at the start after it.
+    QString SessionNoteFile() const;
+    void ShowSessionNote();
 
     AppContext &m_context;
     frmMDI &m_frame;
@@ -52,6 +59,7 @@ private:
     CompilerWindows *m_compiler = nullptr;
     WordsWindows *m_words = nullptr;
     UnravelMenu *m_unravel = nullptr;
+    bool m_ending = false;
 };
 
 } // namespace kvr

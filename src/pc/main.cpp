@@ -2,6 +2,7 @@
 #include "app/Clock.h"
 #include "app/LockFile.h"
 #include "app/StartUp.h"
+#include "app/TerminationSignals.h"
 #include "app/ui/QtPrompts.h"
 #include "app/ui/frmMDI.h"
 #include "pc/CommandLine.h"
@@ -9,6 +10,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QIcon>
+#include <QSessionManager>
 #include <QTimer>
 #include <cstdio>
 #include <memory>
@@ -67,6 +69,12 @@ int main(int argc, char *argv[])
         kvr::ReleaseLock(lockFile);
     });
     kvr::MainAssembly assembly(context, frame, commandLine);
+    // A shutdown, a closed session or a kill ends the program as Exit would.
+    kvr::TerminationSignals termination;
+    QObject::connect(&termination, &kvr::TerminationSignals::Received, &assembly, &kvr::MainAssembly::EndSession);
+    QObject::connect(qApp, &QGuiApplication::commitDataRequest, &assembly, [&assembly](QSessionManager &) {
+        assembly.EndSession();
+    });
     frame.show();
     QTimer::singleShot(0, &assembly, &kvr::MainAssembly::Start);
     return app->exec();

@@ -59,33 +59,41 @@ private slots:
         QTest::addColumn<QString>("type");
         QTest::addColumn<QString>("port");
         QTest::addColumn<bool>("connected");
+        QTest::addColumn<QString>("down");
         QTest::addColumn<QString>("caption");
-        QTest::newRow("serial ANS") << "4410ANS" << "COM1" << false
+        QTest::newRow("serial ANS") << "4410ANS" << "COM1" << false << QString()
                                     << "KVR-PC for Windows - KVR4410 ANS Forth - COM1";
-        QTest::newRow("serial Fig COM12") << "4410Fig" << "COM12" << false
+        QTest::newRow("serial Fig COM12") << "4410Fig" << "COM12" << false << QString()
                                           << "KVR-PC for Windows - KVR4410 Fig-Forth - COM12";
-        QTest::newRow("6630") << "6630Fig" << "COM2" << true << "KVR-PC for Windows - KVR6630 Fig-Forth - COM2";
-        QTest::newRow("terminal") << "Terminal" << "COM3" << false
+        QTest::newRow("6630") << "6630Fig" << "COM2" << true << QString() << "KVR-PC for Windows - KVR6630 Fig-Forth - COM2";
+        QTest::newRow("terminal") << "Terminal" << "COM3" << false << QString()
                                   << "KVR-PC for Windows - terminal emulator - COM3";
-        QTest::newRow("unknown type") << "Z80" << "COM1" << false << "KVR-PC for Windows -  - COM1";
+        QTest::newRow("unknown type") << "Z80" << "COM1" << false << QString() << "KVR-PC for Windows -  - COM1";
         QTest::newRow("tcp not connected")
-            << "4410ANS" << "COM0" << false
+            << "4410ANS" << "COM0" << false << QString()
             << "KVR-PC for Windows - KVR4410 ANS Forth - IP addresss 10.1.2.3 port 4000 - no connection";
         QTest::newRow("tcp connected")
-            << "4410ANS" << "COM0" << true
+            << "4410ANS" << "COM0" << true << QString()
             << "KVR-PC for Windows - KVR4410 ANS Forth - IP addresss 10.1.2.3 port 4000 - connected";
+        QTest::newRow("serial link lost") << "4410ANS" << "COM9" << false << "device /dev/ttyUSB0 is gone"
+                                          << "KVR-PC for Windows - KVR4410 ANS Forth - COM9 - link down: "
+                                             "device /dev/ttyUSB0 is gone";
+        QTest::newRow("tcp link lost") << "4410ANS" << "COM0" << false << "peer closed"
+                                       << "KVR-PC for Windows - KVR4410 ANS Forth - IP addresss 10.1.2.3 port "
+                                          "4000 - link down: peer closed";
     }
     void caption()
     {
         QFETCH(QString, type);
         QFETCH(QString, port);
         QFETCH(bool, connected);
+        QFETCH(QString, down);
         QFETCH(QString, caption);
         Settings s;
         s.computerType = type;
         s.commPort = port;
         s.remoteIp = QStringLiteral("10.1.2.3");
-        QCOMPARE(CaptionText(s, connected), caption);
+        QCOMPARE(CaptionText(s, connected, down), caption);
     }
 
     void calibrationArithmetic_data()

@@ -120,6 +120,9 @@ struct ScriptedBoard {
     QList<QByteArray> silent;             // lines that get no answer
     std::function<void(const QByteArray &)> onLine;
 
+    // A line that is only `word`, which the board does not know.
+    void Lacks(const QByteArray &word) { replies.insert(word, word + ' ' + word + " ?  - not found\r\n"); }
+
     QByteArray operator()(const QByteArray &line)
     {
         if (onLine)

@@ -1,6 +1,7 @@
 // The compile driver: refusals, the Compile menu commands, the selection
 // file, the progress display and the failing line shown in an editor.
 #include "CompileFixture.h"
+#include "compiler/CompileProgress.h"
 #include <QtTest>
 
 using namespace kvr;
@@ -23,13 +24,16 @@ private slots:
     void ErrorInIncludeShownInItsWindow_data();
     void ErrorInIncludeShownInItsWindow();
     void SelectionErrorShownInSourceWindow();
-    void ReportLineOpensItsFile_data();
-    void ReportLineOpensItsFile();
     void NoEditorHost();
     void Toggles();
     void ProgressLabelsOnEveryExit_data();
     void ProgressLabelsOnEveryExit();
     void ReportClearedAndBroughtForward();
+    void ProgressCountsKnownFiles();
+    void ProgressText_data();
+    void ProgressText();
+    void ContinueAfterFix_data();
+    void ContinueAfterFix();
 };
 
 void TestCompileDriver::Refusals_data()
@@ -178,7 +182,7 @@ void TestCompileDriver::ErrorLineSelected()
     for (int i = 1; i < failingLine; ++i)
         lines.append(QStringLiteral("%1 DROP").arg(i));
     lines.append(QStringLiteral("BAD"));
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", lines);
     f.editor.windows.insert(1, {"/OTHER.KVR", {}, 0, 0});
     f.editor.windows.insert(4, {main.toUpper(), {}, 0, 0});
@@ -206,7 +210,7 @@ void TestCompileDriver::ErrorInIncludeShownInItsWindow()
     QFETCH(bool, open);
     CompileFixture f;
     f.editor.loadCreatesWindow = true;
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", {include, "1 DROP"});
     const QString lib = f.Write(libPath, {"2 DROP", "BAD"});
     f.editor.windows.insert(1, {LogicalName(main), {}, 0, 0});
@@ -216,13 +220,21 @@ void TestCompileDriver::ErrorInIncludeShownInItsWindow()
     QCOMPARE(f.editor.loaded, open ? QStringList() : QStringList{lib});
     QCOMPARE(f.editor.shownLines, (QList<QPair<QString, int>>{{LogicalName(lib), 2}}));
     QCOMPARE(f.Sent(), (QStringList{"2 DROP", "BAD"}));
+
+    // Report lines that name a file and line open it there: the include
+    // line its INCLUDE, the error its line; past the last, nothing.
+    f.editor.shownLines.clear();
+    QVERIFY(f.driver->ShowReportLine(0));
+    QVERIFY(f.driver->ShowReportLine(1));
+    QVERIFY(!f.driver->ShowReportLine(9));
+    QCOMPARE(f.editor.shownLines, (QList<QPair<QString, int>>{{LogicalName(main), 1}, {LogicalName(lib), 2}}));
 }
 
 // A compiled selection's error is shown in the window the text came from.
 void TestCompileDriver::SelectionErrorShownInSourceWindow()
 {
     CompileFixture f;
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", {"x"});
     const QString text = QStringLiteral("1 DROP\r\n2 DROP\r\n3 DROP\r\nBAD\r\n4 DROP");
     f.editor.windows.insert(2, {LogicalName(main), text, 8, int(text.size()) - 8});
@@ -232,42 +244,11 @@ void TestCompileDriver::SelectionErrorShownInSourceWindow()
     QCOMPARE(f.driver->LastErrorEditor(), 2);
 }
 
-// Report lines that name a file and line open it there; others do nothing.
-void TestCompileDriver::ReportLineOpensItsFile_data()
-{
-    QTest::addColumn<int>("row");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<int>("line");
-    QTest::newRow("include line: the INCLUDE in the main file") << 0 << "MAIN.KVR" << 2;
-    QTest::newRow("board error in the include file") << 1 << "LIB.KVR" << 2;
-    QTest::newRow("past the last line") << 9 << QString() << 0;
-}
-
-void TestCompileDriver::ReportLineOpensItsFile()
-{
-    QFETCH(int, row);
-    QFETCH(QString, file);
-    QFETCH(int, line);
-    CompileFixture f;
-    f.editor.loadCreatesWindow = true;
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
-    const QString main = f.Write("MAIN.KVR", {"1 DROP", "INCLUDE LIB"});
-    f.Write("LIB.KVR", {"2 DROP", "BAD"});
-    f.driver->CompileFile(main);
-    QCOMPARE(f.report->Lines().size(), 2);
-    f.editor.shownLines.clear();
-    QCOMPARE(f.driver->ShowReportLine(row), !file.isEmpty());
-    const QString path = QFileInfo(main).absolutePath() + QLatin1Char('/') + file;
-    using Shown = QList<QPair<QString, int>>;
-    const Shown expected = file.isEmpty() ? Shown() : Shown{{LogicalName(path), line}};
-    QCOMPARE(f.editor.shownLines, expected);
-}
-
 void TestCompileDriver::NoEditorHost()
 {
     CompileFixture f;
     f.driver->SetEditorHost(nullptr);
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     const QString main = f.Write("MAIN.KVR", {"BAD"});
     f.driver->CompileFile(main);
     QCOMPARE(f.driver->State().runEnd, RunEnd::BoardError);
@@ -309,7 +290,7 @@ void TestCompileDriver::ProgressLabelsOnEveryExit()
     CompileFixture f;
     f.context->settings.noCompileDisplay = QStringLiteral("ON");
     f.terminal.progressText = QStringLiteral("stale");
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     f.board.onLine = [&f](const QByteArray &line) {
         if (line == "HALT")
             f.driver->HaltCompile();
@@ -333,6 +314,111 @@ void TestCompileDriver::ReportClearedAndBroughtForward()
     QVERIFY(f.report->LastLine().endsWith("FINISHED at 1A2B"));
     QVERIFY(forward.count() >= 2);
     QVERIFY(f.terminal.broughtForward >= 2);
+}
+
+void TestCompileDriver::ProgressCountsKnownFiles()
+{
+    CompileFixture f;
+    CompileProgress progress(*f.driver, f.clock);
+    QStringList texts;
+    connect(&progress, &CompileProgress::Updated, [&texts](const QString &text) { texts.append(text); });
+    const QString main = f.Write("MAIN.KVR", {"INCLUDE LIB", "\\ note", "1 DROP"});
+    test::WriteAll(f.dir.path() + "/LIB.KVR", "A\nB\rC"); // every kind of line end, none at the end
+    f.driver->CompileFile(main);
+    // At the first line only MAIN.KVR is known; LIB.KVR's lines join when it opens.
+    QCOMPARE(texts.first(), QStringLiteral("MAIN.KVR line 1 - 1 of 3 lines - 0:00"));
+    QCOMPARE(texts.last(), QString());
+    const CompileProgress::Snapshot &now = progress.Current();
+    QCOMPARE(now.file, main);
+    QCOMPARE(now.line, 3);
+    QCOMPARE(now.done, 6);
+    QCOMPARE(now.known, 6);
+    QVERIFY(now.elapsedMs > 0);
+}
+
+void TestCompileDriver::ProgressText_data()
+{
+    QTest::addColumn<int>("elapsedMs");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("seconds") << 4999 << "LIB.KVR line 7 - 20 of 90 lines - 0:04";
+    QTest::newRow("minutes") << 61000 << "LIB.KVR line 7 - 20 of 90 lines - 1:01";
+    QTest::newRow("hours") << 3725000 << "LIB.KVR line 7 - 20 of 90 lines - 1:02:05";
+}
+
+void TestCompileDriver::ProgressText()
+{
+    QFETCH(int, elapsedMs);
+    QFETCH(QString, text);
+    QCOMPARE(FormatProgress({"/W/SRC/LIB.KVR", 7, 20, 90, quint32(elapsedMs)}), text);
+}
+
+void TestCompileDriver::ContinueAfterFix_data()
+{
+    QTest::addColumn<QStringList>("main");      // MAIN.KVR when the compile stopped
+    QTest::addColumn<QStringList>("lib");       // LIB.KVR then
+    QTest::addColumn<QStringList>("mainAfter"); // the files when Continue is chosen
+    QTest::addColumn<QStringList>("libAfter");
+    QTest::addColumn<int>("resumedAt");   // line of MAIN.KVR the run resumes at; 0 when it cannot
+    QTest::addColumn<QString>("question"); // what the offer of a full compile names
+    QTest::addColumn<QStringList>("sent"); // what Continue sends (a full compile after Yes)
+
+    QTest::newRow("restart at a multi-line definition's first line")
+        << QStringList{"1 DROP", ": TWO", "BAD", ";", "3 DROP"} << QStringList{}
+        << QStringList{"1 DROP", ": TWO", "2", ";", "3 DROP"} << QStringList{} << 2 << ""
+        << QStringList{": TWO", "2", ";", "3 DROP"};
+    QTest::newRow("a semicolon in a comment or string does not end the definition")
+        << QStringList{": TWO ( ; ) .\" ; \" \\ ;", "BAD ;"} << QStringList{}
+        << QStringList{": TWO ( ; ) .\" ; \" \\ ;", "2 ;"} << QStringList{} << 1 << ""
+        << QStringList{": TWO ( ; ) .\" ; \" \\ ;", "2 ;"};
+    QTest::newRow("a comment added above is no change")
+        << QStringList{"1 DROP", "BAD"} << QStringList{} << QStringList{"\\ fixed below", "1 DROP", "6 DROP"}
+        << QStringList{} << 3 << "" << QStringList{"6 DROP"};
+    QTest::newRow("change detected in an include file")
+        << QStringList{"INCLUDE LIB", "BAD"} << QStringList{"1 DROP"} << QStringList{"INCLUDE LIB", "4 DROP"}
+        << QStringList{"1  DROP"} << 0 << "LIB.KVR line 1 has changed" << QStringList{"1  DROP", "4 DROP"};
+    QTest::newRow("change of a conditional result detected")
+        << QStringList{"#CONDITION A", "#IF A", "1 DROP", "#ELSE", "2 DROP", "#ENDIF", "BAD"} << QStringList{}
+        << QStringList{"#CONDITION B", "#IF A", "1 DROP", "#ELSE", "2 DROP", "#ENDIF", "5 DROP"} << QStringList{}
+        << 0 << "MAIN.KVR line 5 has changed" << QStringList{"2 DROP", "5 DROP"};
+    QTest::newRow("after a clean finish a full compile is offered")
+        << QStringList{"1 DROP"} << QStringList{} << QStringList{"1 DROP"} << QStringList{} << 0 << "finished"
+        << QStringList{"1 DROP"};
+}
+
+void TestCompileDriver::ContinueAfterFix()
+{
+    QFETCH(QStringList, main);
+    QFETCH(QStringList, lib);
+    QFETCH(QStringList, mainAfter);
+    QFETCH(QStringList, libAfter);
+    QFETCH(int, resumedAt);
+    QFETCH(QString, question);
+    QFETCH(QStringList, sent);
+    CompileFixture f;
+    f.board.Lacks("BAD");
+    f.board.replies.insert("BAD ;", "BAD ; BAD ?  - not found\r\n");
+    const QString path = f.Write("MAIN.KVR", main).toUpper();
+    if (!lib.isEmpty())
+        f.Write("LIB.KVR", lib);
+    f.driver->CompileFile(path);
+    f.Write("MAIN.KVR", mainAfter);
+    if (!libAfter.isEmpty())
+        f.Write("LIB.KVR", libAfter);
+    f.transport.lines.clear();
+    f.prompts.Clear();
+
+    f.driver->ContinueLastCompile();
+    QCOMPARE(f.Sent(), sent);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
+    if (resumedAt > 0) {
+        QCOMPARE(f.report->Lines().first(), "CONTINUED at " + ShortenPath(path) + " line " + QString::number(resumedAt));
+        QVERIFY(f.prompts.shown.isEmpty());
+    } else {
+        QCOMPARE(f.prompts.shown.size(), 1);
+        QVERIFY2(f.prompts.shown.first().text.contains(question), qPrintable(f.prompts.shown.first().text));
+        QCOMPARE(f.prompts.shown.first().buttons, PromptButtons::YesNo);
+        QVERIFY(!f.report->Lines().join('\n').contains("CONTINUED"));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCompileDriver)

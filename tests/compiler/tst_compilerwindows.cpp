@@ -228,7 +228,7 @@ void TestCompilerWindows::ReportKeys()
     QWidget *second = EditorWindow(w.area);
     emit w.f.editor.EditorCreated(1, first);
     emit w.f.editor.EditorCreated(2, second);
-    w.f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    w.f.board.Lacks("BAD");
     const QString main = w.f.Write("MAIN.KVR", {"BAD"});
     w.f.editor.windows.insert(1, {main.toUpper(), {}, 0, 0});
     w.f.driver.reset();
@@ -269,6 +269,7 @@ void TestCompilerWindows::CompileMenuItems()
         {"mnuCThisWindow", "&This window", QKeySequence(Qt::Key_F8)},
         {"mnuCSelected", "&Selected Text", QKeySequence(Qt::CTRL | Qt::Key_F8)},
         {"mnuCLast", "From &Last definition", QKeySequence(Qt::SHIFT | Qt::Key_F8)},
+        {"mnuCContinue", "C&ontinue compile", QKeySequence(Qt::Key_F9)},
         {"mnuCQuick", "&Quick compile", QKeySequence()},
         {"mnuCNoDisplay", "&No compile display", QKeySequence()},
     };
@@ -358,7 +359,7 @@ void TestCompilerWindows::PathsItemsInOptionsMenu()
     QCOMPARE(paths->title(), QStringLiteral("Source file &Paths"));
     w.f.prompts.inputs.enqueue(QStringLiteral("/srv/lib"));
     paths->findChild<QAction *>("mnuOPAdd")->trigger();
-    QCOMPARE(w.f.context->settings.extraSearchPaths, QStringLiteral("/srv/lib\\;"));
+    QCOMPARE(w.f.context->settings.extraSearchPaths, QStringLiteral("/srv/lib") + QDir::separator() + ";");
     paths->findChild<QAction *>("mnuOPDefault")->trigger();
     QVERIFY(w.f.context->settings.extraSearchPaths.isEmpty());
 }
@@ -395,7 +396,7 @@ void TestCompilerWindows::ProgressLabelsInTerminalWindow()
         captionAt = caption->geometry();
         blocks = bar->text();
     };
-    f.board.replies.insert("BAD", "BAD BAD ?  - not found\r\n");
+    f.board.Lacks("BAD");
     driver.CompileFile(f.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP", "BAD"}));
     QVERIFY(seen);
     QVERIFY(visible);

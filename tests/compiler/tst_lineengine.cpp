@@ -1,5 +1,8 @@
 // The line engine driven through whole compile runs on the in-memory board.
 #include "CompileFixture.h"
+#include "link/LinkController.h"
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
 using namespace kvr;
@@ -34,6 +37,7 @@ private slots:
     void AwkwardIncludes_data();
     void AwkwardIncludes();
     void DeepIncludeNesting();
+    void BoardGoneMidCompile_data();
     void BoardGoneMidCompile();
     void FloodWithoutLineEnd();
 };
@@ -59,12 +63,18 @@ void TestLineEngine::SendsLinesAndFinishes()
 
 void TestLineEngine::FinishedAddress_data()
 {
-    QTest::addColumn<QByteArray>("here");
+    QTest::addColumn<QByteArray>("here"); // null: no answer
     QTest::addColumn<QString>("reported");
     QTest::addColumn<QString>("address");
-    QTest::newRow("four digits") << QByteArray("8F00") << "8F00" << "8F00";
-    QTest::newRow("three digits show what follows") << QByteArray("12A") << "12A" << "12A ";
-    QTest::newRow("two digits") << QByteArray("C0") << "C0" << "C0  ";
+    QTest::addColumn<int>("runEnd");
+    const int finished = int(RunEnd::Finished);
+    const int unconfirmed = int(RunEnd::EndUnconfirmed);
+    QTest::newRow("four digits") << QByteArray("8F00") << "8F00" << "8F00" << finished;
+    QTest::newRow("three digits show what follows") << QByteArray("12A") << "12A" << "12A " << finished;
+    QTest::newRow("two digits") << QByteArray("C0") << "C0" << "C0  " << finished;
+    QTest::newRow("one digit") << QByteArray("7") << "7  o" << "7  o" << finished;
+    QTest::newRow("noise is not an address") << QByteArray("CHGI") << "CHGI" << "CHGI" << unconfirmed;
+    QTest::newRow("no answer") << QByteArray() << "" << "" << unconfirmed;
 }
 
 void TestLineEngine::FinishedAddress()
@@ -72,12 +82,16 @@ void TestLineEngine::FinishedAddress()
     QFETCH(QByteArray, here);
     QFETCH(QString, reported);
     QFETCH(QString, address);
+    QFETCH(int, runEnd);
     CompileFixture f;
     f.board.here = here;
+    if (here.isNull())
+        f.board.silent.append("BASE @ HEX HERE U. BASE !");
     const QString main = f.Write("MAIN.KVR", {"1 DROP"});
     f.driver->CompileFile(main);
-    QCOMPARE(f.report->LastLine(), ShortenPath(main) + " - FINISHED at " + reported);
+    QCOMPARE(f.report->LastLine(), (ShortenPath(main) + " - FINISHED at " + reported).trimmed());
     QCOMPARE(f.driver->State().endOfProgramAddress, address);
+    QCOMPARE(int(f.driver->State().runEnd), runEnd);
 }
 
 void TestLineEngine::BoardProgramKeepsEndAddress()
@@ -176,6 +190,7 @@ void TestLineEngine::LineLengthLimit_data()
     QTest::newRow("81 characters") << QString(79, 'A') + " ." << false;
     QTest::newRow("81-character comment") << "\\ " + QString(79, 'C') << false;
     QTest::newRow("trailing blanks do not count") << QString(80, 'A') + "     " << true;
+    QTest::newRow("word after 5000 blanks") << QString(5000, ' ') + "W" << false;
 }
 
 void TestLineEngine::LineLengthLimit()
@@ -377,20 +392,24 @@ void TestLineEngine::HaltWithF2()
     QCOMPARE(f.terminal.timerStates.last(), true);
 
     // F2 while the engine waits for a reply that the interrupt took away:
-    // no time-out, no not-responding message, just the halt.
+    // no time-out, no not-responding message, just the halt, even when the
+    // interrupt's own waits outlast the line's time-out.
     CompileFixture g;
     g.board.silent.append("2 DROP");
     g.context->settings.timeout = QStringLiteral("100000");
-    g.transport.beforeCount = [&g] {
-        if (g.transport.lines.contains("2 DROP") && g.context->compileOutcome == CompileOutcome::Running)
+    quint32 haltedAt = 0;
+    g.transport.beforeCount = [&g, &haltedAt] {
+        if (g.transport.lines.contains("2 DROP") && g.context->compileOutcome == CompileOutcome::Running) {
             g.driver->HaltCompile();
+            haltedAt = g.clock.ticks += 200000;
+        }
     };
     g.driver->CompileFile(g.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP"}));
     QCOMPARE(g.Sent(), (QStringList{"1 DROP", "2 DROP"}));
     QCOMPARE(g.report->Lines(), QStringList{"HALTED COMPILE WITH F2"});
     QVERIFY(g.prompts.shown.isEmpty());
     QCOMPARE(g.context->compileOutcome, CompileOutcome::HaltRequested);
-    QVERIFY(g.clock.ticks < 10000); // it did not wait for the time-out
+    QVERIFY(g.clock.ticks - haltedAt < 10000); // it did not wait for the time-out
 }
 
 void TestLineEngine::QuietReceiveAndProgress()
@@ -398,12 +417,13 @@ void TestLineEngine::QuietReceiveAndProgress()
     CompileFixture f;
     f.context->settings.noCompileDisplay = QStringLiteral("ON");
     f.terminal.capacity = 2;
-    // Bit 7 set on every character, controls in the middle, text after the
-    // line feed that must not be kept, and a reply longer than 160.
+    // Bit 7 set on every character, controls in the middle, a second line
+    // in the same batch that must not be kept (it would pass for the reply
+    // to B), and a reply longer than 160.
     QByteArray marked;
     for (char c : QByteArray("X X ?  - bad"))
         marked += char(c | 0x80);
-    f.board.replies.insert("A", "A\x07 ok\r\n" "JUNK");
+    f.board.replies.insert("A", "A\x07 ok\r\n" "J ?  - stale\r\n");
     f.board.replies.insert("B", QByteArray(170, 'b') + "Z\r\n");
     f.board.replies.insert("X", marked + "\r\n");
     const QString main = f.Write("MAIN.KVR", {"A", "B", "X"});
@@ -418,9 +438,11 @@ void TestLineEngine::QuietReceiveAndProgress()
 void TestLineEngine::ShownReceivePaintsTraffic()
 {
     CompileFixture f;
-    f.board.replies.insert("A", "A ok\r\nLATER");
-    const QString main = f.Write("MAIN.KVR", {"A"});
+    // The second line of the batch is neither shown nor taken as B's reply.
+    f.board.replies.insert("A", "A ok\r\nLATER ?  - stale\r\n");
+    const QString main = f.Write("MAIN.KVR", {"A", "B"});
     f.driver->CompileFile(main);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::Finished);
     QVERIFY(f.terminal.shown.startsWith("A ok\r\n"));
     QVERIFY(!f.terminal.shown.contains("LATER"));
     QCOMPARE(f.terminal.progressStates, QList<bool>{false});
@@ -512,20 +534,70 @@ void TestLineEngine::DeepIncludeNesting()
     QCOMPARE(f.report->LastLine(), ShortenPath(main) + " - FINISHED at 1A2B");
 }
 
+void TestLineEngine::BoardGoneMidCompile_data()
+{
+    QTest::addColumn<bool>("overTcp");       // a real socket whose peer goes, or the in-memory link
+    QTest::addColumn<QByteArray>("lastLine"); // the line the link dies on
+    QTest::addColumn<bool>("afterBoardError"); // an earlier run stopped on a board error
+    QTest::newRow("in-memory link closes") << false << QByteArray("2 DROP") << false;
+    QTest::newRow("TCP peer closes: one message, not two") << true << QByteArray("2 DROP") << false;
+    QTest::newRow("first line, after a run that stopped on a board error") << false << QByteArray("1 DROP") << true;
+}
+
 void TestLineEngine::BoardGoneMidCompile()
 {
+    QFETCH(bool, overTcp);
+    QFETCH(QByteArray, lastLine);
+    QFETCH(bool, afterBoardError);
     CompileFixture f;
-    f.board.onLine = [&f](const QByteArray &line) {
-        if (line == "2 DROP")
-            f.transport.Close();
-    };
-    f.board.silent.append("2 DROP");
+    if (afterBoardError) {
+        f.board.Lacks("BAD");
+        f.driver->CompileFile(f.Write("EARLIER.KVR", {"BAD"}));
+        QCOMPARE(f.driver->State().runEnd, RunEnd::BoardError);
+        f.transport.lines.clear();
+        f.editor.loaded.clear();
+    }
+    LinkController controller(*f.context, *f.link);
+    QTcpServer server;
+    QTcpSocket *peer = nullptr;
+    QByteArray received;
+    if (overTcp) {
+        QVERIFY(server.listen(QHostAddress::LocalHost, 0));
+        f.context->settings.remoteIp = QStringLiteral("127.0.0.1");
+        f.context->settings.remotePort = QString::number(server.serverPort());
+        controller.Tcp().SetHeartbeatPort(0);
+        controller.SelectPort(0);
+        QVERIFY(server.hasPendingConnections() || server.waitForNewConnection(2000));
+        peer = server.nextPendingConnection();
+        connect(peer, &QTcpSocket::readyRead, peer, [&] {
+            received += peer->readAll();
+            for (qsizetype end = received.indexOf('\r'); end >= 0; end = received.indexOf('\r')) {
+                const QByteArray line = received.left(end);
+                received.remove(0, end + 1);
+                f.transport.lines.append(line); // what the board got, as the in-memory board keeps it
+                if (line == lastLine)
+                    peer->abort();
+                else
+                    peer->write(line + "  ok\r\n");
+            }
+        });
+    } else {
+        f.board.onLine = [&](const QByteArray &line) {
+            if (line == lastLine)
+                f.transport.Close();
+        };
+        f.board.silent.append(lastLine);
+    }
+    f.prompts.Clear();
     const QString main = f.Write("MAIN.KVR", {"1 DROP", "2 DROP", "3 DROP"});
     f.driver->CompileFile(main);
-    QCOMPARE(f.Sent(), (QStringList{"1 DROP", "2 DROP"}));
-    QCOMPARE(f.report->LastLine(), QStringLiteral("KVR4410 NOT RESPONDING"));
+    const QStringList sent = lastLine == "1 DROP" ? QStringList{"1 DROP"} : QStringList{"1 DROP", "2 DROP"};
+    QCOMPARE(f.Sent(), sent);
+    QCOMPARE(f.report->Lines(), QStringList{"KVR4410 NOT RESPONDING"});
     QCOMPARE(f.context->compileOutcome, CompileOutcome::NotResponding);
+    QCOMPARE(f.driver->State().runEnd, RunEnd::NotResponding);
     QCOMPARE(f.prompts.MessageTexts(), QStringList{Link::NotRespondingText("4410ANS")});
+    QVERIFY(f.editor.loaded.isEmpty() && f.editor.shownLines.isEmpty());
     QCOMPARE(f.context->busyState, BusyState::Idle);
 }
 

@@ -158,7 +158,8 @@ void TestSearchPaths::AddSearchPath_data()
     QTest::addColumn<QString>("before");
     QTest::addColumn<QString>("answer");
     QTest::addColumn<QString>("after");
-    QTest::newRow("separator and semicolon added") << "" << "d:\\projects\\old" << "d:\\projects\\old\\;";
+    QTest::newRow("platform separator and semicolon added")
+        << "" << "/srv/forth" << QStringLiteral("/srv/forth") + QDir::separator() + ";";
     QTest::newRow("semicolon kept as typed") << "" << "d:\\x;" << "d:\\x;";
     QTest::newRow("trailing backslash kept") << "a\\;" << "b\\" << "a\\;b\\;";
     QTest::newRow("unix folder with slash") << "" << "/srv/forth/" << "/srv/forth/;";
@@ -181,7 +182,7 @@ void TestSearchPaths::AddDialogAndDisplay()
     TestClock clock;
     AppContext context(paths, prompts, clock);
     QSignalSpy written(&context, &AppContext::SettingsWritten);
-    prompts.inputs.enqueue(QStringLiteral("d:\\projects\\old"));
+    prompts.inputs.enqueue(QStringLiteral("d:\\projects\\old\\"));
     AddOrDisplayPaths(context);
 
     QCOMPARE(context.settings.extraSearchPaths, QStringLiteral("d:\\projects\\old\\;"));

@@ -99,6 +99,41 @@ private slots:
         QCOMPARE(ReadRecentFiles(f->context->paths.SettingsFile()), recentBefore);
     }
 
+    // With no one to ask (the session ends), changed text goes to the next
+    // backup without a word; unchanged windows write nothing.
+    void changedTextKeptWhenNoQuestionCanBeAsked_data()
+    {
+        QTest::addColumn<QList<int>>("existing");
+        QTest::addColumn<bool>("edited");
+        QTest::addColumn<QString>("kept");
+        QTest::newRow("next after the highest") << QList<int>{1, 4} << true << "PUMP.005.KVR";
+        QTest::newRow("unchanged: nothing") << QList<int>{} << false << QString();
+        QTest::newRow("999 taken: said, not written") << QList<int>{999} << true << QString();
+    }
+    void changedTextKeptWhenNoQuestionCanBeAsked()
+    {
+        QFETCH(QList<int>, existing);
+        QFETCH(bool, edited);
+        QFETCH(QString, kept);
+        const int index = LoadPump(existing);
+        if (edited)
+            f->View(index)->Type(QStringLiteral("EDITED "));
+        const int untitled = WithText(QStringLiteral("NEW"));
+        f->pool->TextChanged(untitled);
+        const QStringList said = f->pool->KeepChangedTextAsBackups();
+        QVERIFY(f->prompts.shown.isEmpty());
+        QCOMPARE(said.size(), edited ? 2 : 1);
+        QCOMPARE(ReadAll(f->context->paths.ProgramFolder() + QStringLiteral("UNTITLED.001.KVR")),
+                 QByteArray("NEW\r\n"));
+        if (!kept.isEmpty())
+            QCOMPARE(ReadAll(f->File(kept)), QByteArray("EDITED PUMP TEXT\r\n"));
+        if (edited)
+            QVERIFY2(said.first().contains(kept.isEmpty() ? QStringLiteral("not kept") : kept), qPrintable(said.first()));
+        QCOMPARE(f->pool->FState(index).Dirty, edited && kept.isEmpty());
+        QCOMPARE(QDir(f->dir.path()).entryList({QStringLiteral("PUMP.*.KVR")}).size(),
+                 existing.size() + (kept.isEmpty() ? 0 : 1));
+    }
+
     void backupUnderAnotherName()
     {
         const int index = LoadPump({1});

@@ -7,6 +7,7 @@
 #include "link/RemoteAddress.h"
 #include "link/Terminal.h"
 #include <QDeadlineTimer>
+#include <QFile>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -289,29 +290,46 @@ private slots:
         QVERIFY(f.prompts.MessageTexts().first().endsWith(QStringLiteral(".\nConnection timed out")));
     }
 
-    void gatewayGoesAwayMidSession()
+    // A gateway that goes away is reported once; while it is gone the
+    // controller retries without a word, and when it accepts again the link
+    // stands again.
+    void gatewayGoesAwayMidSessionAndComesBack()
     {
         Fixture f;
+        f.controller.SetTerminal(nullptr); // no start-up exchange to answer
         f.ListenBoth();
         QSignalSpy caption(&f.controller, &LinkController::CaptionChanged);
+        QSignalSpy state(&f.controller, &LinkController::LinkStateChanged);
         f.controller.SelectPort(0);
         QVERIFY(f.AcceptPeer());
         QTRY_VERIFY(f.heartbeat.hasPendingConnections());
         QTcpSocket *heartbeatPeer = f.heartbeat.nextPendingConnection();
+        const quint16 port = f.data.serverPort();
+        f.data.close();
         f.prompts.Clear();
         caption.clear();
         f.peer->abort();
         heartbeatPeer->abort();
         QTRY_VERIFY(!f.controller.IsTcpConnected() && (f.link.BytesAvailable(), true));
-        // The heartbeat's failure is not a second report of the same loss.
-        QVERIFY(!QTest::qWaitFor([&] { return f.prompts.MessageTexts().size() > 1; }, 400));
+        // Neither the heartbeat's failure nor the refused retries report it again.
+        QVERIFY(!QTest::qWaitFor([&] { return f.prompts.MessageTexts().size() > 1; }, 1200));
         QCOMPARE(f.prompts.MessageTexts().size(), 1);
         QVERIFY(f.prompts.MessageTexts().first().startsWith(
             QStringLiteral("TCP/IP connection error\n\nFailed when trying to connect to IP address")));
         QVERIFY(!caption.isEmpty());
+        QVERIFY(!f.controller.DownReason().isEmpty());
+
+        QVERIFY(f.data.listen(QHostAddress::LocalHost, port));
+        QTRY_VERIFY_WITH_TIMEOUT(f.data.hasPendingConnections(), 3000);
+        QTRY_VERIFY(f.controller.IsTcpConnected());
+        QVERIFY(f.controller.DownReason().isEmpty());
+        QCOMPARE(state.size(), 2);
+        QCOMPARE(state.last().first().toString(), QString());
+        QCOMPARE(f.prompts.MessageTexts().size(), 1);
+        f.peer = f.data.nextPendingConnection();
         f.link.SendText(QStringLiteral("after"), true);
-        f.link.WaitForReply(); // no crash, just the time-out
-        QCOMPARE(f.prompts.MessageTexts().size(), 2);
+        QByteArray got;
+        QTRY_COMPARE((got += f.peer->readAll()), QByteArray("after\r"));
     }
 
     void connectFromDialogGreetsAConnectedBoard()
@@ -505,15 +523,22 @@ private slots:
         QVERIFY(f.controller.Serial().IsUsable());
     }
 
-    void serialUnplugReportedOnce()
+    // An unplugged adapter is reported once, with the reason; when the
+    // device is back under its name the port opens again by itself.
+    void serialUnplugReportedOnceAndReopened()
     {
-        Pty pty;
+        auto pty = std::make_unique<Pty>();
         Fixture f;
-        f.context.settings.serialDevices[QStringLiteral("COM7")] = pty.path;
+        f.controller.SetTerminal(nullptr);
+        const QString device = f.dir.filePath(QStringLiteral("ttyKVR"));
+        QVERIFY(QFile::link(pty->path, device));
+        f.context.settings.serialDevices[QStringLiteral("COM7")] = device;
         QSignalSpy fault(&f.controller, &LinkController::SerialFault);
+        QSignalSpy state(&f.controller, &LinkController::LinkStateChanged);
         f.controller.SelectPort(7);
         QVERIFY(f.controller.Serial().IsUsable());
-        pty.CloseMaster();
+        pty->CloseMaster();
+        QFile::remove(device);
         QDeadlineTimer deadline(3000);
         while (f.controller.Serial().IsUsable() && !deadline.hasExpired()) {
             f.link.SendText(QStringLiteral("x"), false);
@@ -525,8 +550,21 @@ private slots:
             f.link.SendText(QStringLiteral("more"), true);
             f.terminal.Tick();
         }
-        QCOMPARE(f.prompts.MessageTexts(), QStringList{"Com port 7 not available"});
+        QCOMPARE(f.prompts.MessageTexts().size(), 1);
+        QVERIFY2(f.prompts.MessageTexts().first().startsWith(QStringLiteral("Com port 7 not available\n\n")),
+                 qPrintable(f.prompts.MessageTexts().first()));
         QCOMPARE(fault.size(), 1);
+        QCOMPARE(state.size(), 1);
+        QVERIFY(!f.controller.DownReason().isEmpty());
+
+        pty = std::make_unique<Pty>();
+        QVERIFY(QFile::link(pty->path, device));
+        QTRY_VERIFY_WITH_TIMEOUT(f.controller.Serial().IsUsable(), 3000);
+        QVERIFY(f.controller.DownReason().isEmpty());
+        QCOMPARE(state.size(), 2);
+        f.link.SendText(QStringLiteral("back"), true);
+        QCOMPARE(pty->ReadUntil("back\r"), QByteArray("back\r"));
+        QCOMPARE(f.prompts.MessageTexts().size(), 1);
     }
 };
 

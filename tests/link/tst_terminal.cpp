@@ -381,12 +381,24 @@ private slots:
         f.board.SetUsable(false);
         for (int i = 0; i < 10; ++i)
             terminal.Tick();
-        terminal.KeyTyped(QStringLiteral("2 .\r"));
+        // The screen and the indicator say the link is down, for as long as
+        // it is; a key that cannot go out beeps.
+        terminal.SetLinkState(QStringLiteral("peer closed"));
+        for (int i = 0; i < Terminal::SerialErrorTicks; ++i)
+            terminal.Tick();
+        QVERIFY(terminal.SerialErrorShown());
+        f.prompts.beeps = 0;
+        terminal.KeyTyped(QStringLiteral("2"));
+        QCOMPARE(f.prompts.beeps, 1);
         QVERIFY(terminal.IsCapturing());
+        terminal.SetLinkState(QString());
+        QVERIFY(!terminal.SerialErrorShown());
         f.prompts.answers.enqueue(PromptAnswer::Yes);
         terminal.ToggleCapture();
         QCOMPARE(test::ReadAll(path), QByteArray("before\r\n"));
         QCOMPARE(terminal.Screen().Text(0), QStringLiteral("before"));
+        QCOMPARE(terminal.Screen().Text(1), QStringLiteral("[link down: peer closed]"));
+        QCOMPARE(terminal.Screen().Text(2), QStringLiteral("[link back]"));
     }
 };
 

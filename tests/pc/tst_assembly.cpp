@@ -61,6 +61,13 @@ private slots:
                  QStringList{QStringLiteral("Connected to IP address 127.0.0.1, port ") + commandLine.simulatorPort});
         QVERIFY(frame.windowTitle().endsWith(QStringLiteral(" - connected")));
 
+        // F9 is Continue compile's alone, in every menu of the program.
+        QStringList onF9;
+        for (const QAction *action : frame.findChildren<QAction *>())
+            if (action->shortcuts().contains(QKeySequence(Qt::Key_F9)))
+                onF9.append(action->objectName());
+        QCOMPARE(onF9, QStringList{QStringLiteral("mnuCContinue")});
+
         QAction *compile = frame.findChild<QAction *>(QStringLiteral("mnuCThisWindow"));
         QVERIFY(compile);
         compile->trigger();

@@ -83,7 +83,7 @@ void frmMDI::UpdateWindowList()
 void frmMDI::UpdateCaption()
 {
     const bool connected = m_tcpConnected ? m_tcpConnected() : false;
-    setWindowTitle(CaptionText(m_context.settings, connected));
+    setWindowTitle(CaptionText(m_context.settings, connected, m_linkDown ? m_linkDown() : QString()));
 }
 
 void frmMDI::UpdateMenuState()
@@ -253,9 +253,16 @@ void frmMDI::ArrangeTiles(Qt::Orientation orientation)
     }
 }
 
+void frmMDI::CloseWithoutQuestions()
+{
+    m_noQuestions = true;
+    close();
+    QCoreApplication::exit(0);
+}
+
 void frmMDI::closeEvent(QCloseEvent *event)
 {
-    if (m_closeGuard && !m_closeGuard()) {
+    if (!m_noQuestions && m_closeGuard && !m_closeGuard()) {
         event->ignore();
         return;
     }

@@ -35,8 +35,12 @@ public:
 
     // Whether the TCP data connection is up, for the caption.
     void SetTcpConnectedProvider(std::function<bool()> provider) { m_tcpConnected = std::move(provider); }
+    void SetLinkDownProvider(std::function<QString()> provider) { m_linkDown = std::move(provider); }
     // Asked before the frame closes; false abandons the exit.
     void SetCloseGuard(std::function<bool()> guard) { m_closeGuard = std::move(guard); }
+    // Closes without asking anything (the session ends): the guard is not
+    // asked, and every event loop, a modal box's included, ends.
+    void CloseWithoutQuestions();
 
 signals:
     // The Window menu's item for the interactive window, hidden or not.
@@ -68,7 +72,9 @@ private:
     AppContext &m_context;
     QMdiArea *m_mdi;
     std::function<bool()> m_tcpConnected;
+    std::function<QString()> m_linkDown;
     std::function<bool()> m_closeGuard;
+    bool m_noQuestions = false;
 };
 
 // Values behind the timeout and baud items, in item order.

@@ -68,6 +68,9 @@ void CompileMenus::Install(int index, QObject *object)
         item = AddItem(menu, window, QStringLiteral("mnuCLast"), QStringLiteral("From &Last definition"));
         item->setShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F8));
         connect(item, &QAction::triggered, this, [this, index] { m_driver.CompileFromLastDefinition(index); });
+        item = AddItem(menu, window, QStringLiteral("mnuCContinue"), QStringLiteral("C&ontinue compile"));
+        item->setShortcut(QKeySequence(Qt::Key_F9));
+        connect(item, &QAction::triggered, this, [this] { m_driver.ContinueLastCompile(); });
         menu->addSeparator();
         item = AddItem(menu, window, QStringLiteral("mnuCQuick"), QStringLiteral("&Quick compile"));
         item->setCheckable(true);

@@ -1,5 +1,7 @@
 #include "compiler/ui/CompilerWindows.h"
+#include "app/AppContext.h"
 #include "compiler/CompileDriver.h"
+#include "compiler/CompileProgress.h"
 #include "compiler/CompileReport.h"
 #include "compiler/ui/CompileMenus.h"
 #include "compiler/ui/frmStatus.h"
@@ -12,7 +14,8 @@ CompilerWindows::CompilerWindows(AppContext &context, Link &link, TerminalHost *
                                  QMdiArea *area, QObject *parent)
     : QObject(parent), m_area(area), m_report(new CompileReport(context, this)),
       m_driver(new CompileDriver(context, link, terminal, editor, *m_report, this)),
-      m_menus(new CompileMenus(context, *m_driver, editor, this))
+      m_menus(new CompileMenus(context, *m_driver, editor, this)),
+      m_progress(new CompileProgress(*m_driver, context.clock, this))
 {
     m_status = new frmStatus(context, *m_report);
     if (m_area) {

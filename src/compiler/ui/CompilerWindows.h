@@ -13,6 +13,7 @@ namespace kvr {
 class AppContext;
 class CompileDriver;
 class CompileMenus;
+class CompileProgress;
 class CompileReport;
 class EditorHost;
 class Link;
@@ -29,6 +30,7 @@ public:
     CompileDriver &Driver() { return *m_driver; }
     CompileReport &Report() { return *m_report; }
     CompileMenus &Menus() { return *m_menus; }
+    CompileProgress &Progress() { return *m_progress; }
     frmStatus *StatusWindow() const;
 
     // The editor pool, once it exists: the failing line is shown there and
@@ -49,6 +51,7 @@ private:
     CompileReport *m_report;
     CompileDriver *m_driver;
     CompileMenus *m_menus;
+    CompileProgress *m_progress;
     QPointer<frmStatus> m_status;
     QPointer<QMdiSubWindow> m_statusWindow;
 };

@@ -79,6 +79,7 @@ frmEmulator::frmEmulator(AppContext &context, Link &link, QWidget *parent)
     connect(m_terminal, &Terminal::BringForwardRequested, this, &frmEmulator::BringForward);
     connect(m_controller, &LinkController::BringTerminalForward, this, &frmEmulator::BringForward);
     connect(m_controller, &LinkController::SerialFault, m_terminal, &Terminal::ShowSerialError);
+    connect(m_controller, &LinkController::LinkStateChanged, m_terminal, &Terminal::SetLinkState);
     connect(m_terminal, &Terminal::CapsLockChanged, this, &frmEmulator::ApplyCapsLock);
     connect(&context, &AppContext::SettingsWritten, this, &frmEmulator::ApplySettings);
     ApplySettings();
@@ -190,6 +191,8 @@ void frmEmulator::ScrollBy(int lines)
 
 void frmEmulator::UpdateIndicators()
 {
+    const QString down = m_terminal->LinkDownReason();
+    m_lblSerialError->setText(down.isEmpty() ? QStringLiteral("Serial link error") : QStringLiteral("Link down: ") + down);
     m_lblSerialError->setVisible(m_terminal->SerialErrorShown());
     m_lblSerialError->adjustSize();
     m_lblSerialError->move(width() - m_scrollBar->width() - m_lblSerialError->width() - 4, 4);

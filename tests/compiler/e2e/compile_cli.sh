@@ -6,8 +6,10 @@ set -u
 BIN=${KVR_BIN_DIR:?}
 work=$(mktemp -d)
 board_pid=""
+mute_pid=""
 cleanup() {
     [ -n "$board_pid" ] && kill "$board_pid" 2>/dev/null && wait "$board_pid" 2>/dev/null
+    [ -n "$mute_pid" ] && kill -CONT "$mute_pid" 2>/dev/null && kill "$mute_pid" 2>/dev/null && wait "$mute_pid" 2>/dev/null
     rm -rf "$work"
 }
 trap cleanup EXIT
@@ -15,16 +17,22 @@ failures=0
 fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 expect_eq() { [ "$1" == "$2" ] || fail "$3: expected '$2', got '$1'"; }
 
-# The board, on a free port, logging every line it receives.
-"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/board.log" > "$work/board.out" 2> "$work/board.err" &
-board_pid=$!
-port=""
-for _ in $(seq 1 200); do
-    port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/board.out")
-    [ -n "$port" ] && break
-    kill -0 "$board_pid" 2>/dev/null || break
-    sleep 0.05
-done
+# spawn_board NAME: a board on a free port, logging every line it receives
+# to NAME.log; sets spawned_pid and spawned_port (empty when it did not start).
+spawn_board() {
+    "$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/$1.log" > "$work/$1.out" 2> "$work/$1.err" &
+    spawned_pid=$!
+    spawned_port=""
+    for _ in $(seq 1 200); do
+        spawned_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/$1.out")
+        [ -n "$spawned_port" ] && break
+        kill -0 "$spawned_pid" 2>/dev/null || break
+        sleep 0.05
+    done
+}
+spawn_board board
+board_pid=$spawned_pid
+port=$spawned_port
 [ -n "$port" ] || { echo "kvr-board did not start:"; cat "$work/board.err"; exit 1; }
 
 settings="$work/settings"
@@ -101,6 +109,14 @@ grep -qP "^\t\\\\ a tab-indented comment" "$work/board.log" || fail "tab-indente
 grep -q "INCLUDE" "$work/board.log" && fail "an INCLUDE line reached the board"
 [ -s "$work/err" ] && fail "unexpected messages: $(cat "$work/err")"
 
+# --- on a terminal, stderr carries one progress line rewritten in place; none with --quiet
+tty_stderr() { script -qec "$BIN/kvr --settings-dir $settings compile $work/src/Main.kvr --remote 127.0.0.1:$port $* 2>&1 >/dev/null" /dev/null; }
+tty_stderr > "$work/tty"
+grep -q $'\r'"MAIN.KVR line [0-9]* - [0-9]* of [0-9]* lines - 0:[0-9][0-9]" "$work/tty" \
+    || fail "no progress line on a terminal: $(cat -v "$work/tty")"
+tty_stderr --quiet > "$work/tty"
+grep -q " lines - " "$work/tty" && fail "progress shown under --quiet: $(cat -v "$work/tty")"
+
 # --- an unknown word stops the compile with the board's message
 crlf "$work/src/BAD.KVR" <<'SRC'
 : OK-WORD 1 ;
@@ -141,26 +157,33 @@ expect_eq "$?" 3 "usage exit status"
 kvr "$work/src/Main.kvr" --type 9999 > /dev/null 2>&1
 expect_eq "$?" 3 "bad type exit status"
 
-# --- JSON for CI
-out=$(kvr "$work/src/BAD.KVR" --json 2>/dev/null)
-echo "$out" | grep -q '"kind":"board-error","line":2,' || fail "json board error: $out"
+# --- JSON for CI: files as they are on disk, lines from 1
+out=$(kvr "$work/src/BAD.KVR" --json --yes 2>/dev/null)
+echo "$out" | grep -qF "\"file\":\"$work/src/BAD.KVR\",\"kind\":\"board-error\",\"line\":2," \
+    || fail "json board error: $out"
 echo "$out" | tail -n 1 | grep -q '"event":"summary".*"exit":1.*"lines_sent":2.*"outcome":"board-error"' \
     || fail "json summary: $out"
+out=$(kvr "$work/src/MISS.KVR" --json 2>/dev/null)
+echo "$out" | grep -qF "\"file\":\"$work/src/MISS.KVR\",\"kind\":\"file-not-found\",\"line\":1," \
+    || fail "json missing include: $out"
 
-# --- Ctrl-C halts a long compile as F2 does
+# --- Ctrl-C, or a shutdown's SIGTERM, halts a long compile as F2 does
 for i in $(seq 1 20000); do echo ": W$i $i ;"; done | crlf "$work/src/LONGRUN.KVR"
-"$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$port" \
-    > "$work/halt.out" 2> "$work/err" &
-kvr_pid=$!
-for _ in $(seq 1 400); do
-    [ "$(grep -c '^: W' "$work/board.log")" -gt 50 ] && break
-    sleep 0.02
+for sig in INT TERM; do
+    before=$(grep -c '^: W' "$work/board.log" || true)
+    "$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$port" \
+        > "$work/halt.out" 2> "$work/err" &
+    kvr_pid=$!
+    for _ in $(seq 1 400); do
+        [ "$(grep -c '^: W' "$work/board.log")" -gt $((before + 50)) ] && break
+        sleep 0.02
+    done
+    kill -$sig "$kvr_pid"
+    wait "$kvr_pid"
+    expect_eq "$?" 4 "halted exit status (SIG$sig)"
+    expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report (SIG$sig)"
+    grep -q "^: W20000 " "$work/board.log" && fail "SIG$sig did not stop the compile"
 done
-kill -INT "$kvr_pid"
-wait "$kvr_pid"
-expect_eq "$?" 4 "halted exit status"
-expect_eq "$(tail -n 1 "$work/halt.out")" "HALTED COMPILE WITH F2" "halt report"
-grep -q "^: W20000 " "$work/board.log" && fail "halt did not stop the compile"
 
 # --- a fresh settings folder: the delay is measured for the run, not saved
 fresh="$work/fresh"
@@ -174,15 +197,66 @@ out=$(kvr "$work/src/TINY.KVR" --json 2>/dev/null)
 echo "$out" | tail -n 1 | grep -q '"delay":0[,}]' || fail "a set delay was not kept: $out"
 "$BIN/kvr" --help | grep -q 'delay still "-1"' || fail "kvr --help does not explain the delay"
 
-# --- the board goes away in the middle of a compile
-"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/gone.log" > "$work/gone.out" 2> /dev/null &
-gone_pid=$!
-gone_port=""
-for _ in $(seq 1 200); do
-    gone_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/gone.out")
-    [ -n "$gone_port" ] && break
-    sleep 0.05
+# --- continue after a fix: a program of three files stops in its second INCLUDE
+# file; once the line is fixed on disk the compile goes on from the failing
+# definition, sending nothing twice that came before it.
+spawn_board cont
+cont_pid=$spawned_pid
+cont_port=$spawned_port
+mkdir -p "$work/cont"
+crlf "$work/cont/PROG.KVR" <<'SRC'
+: P1 1 ;
+INCLUDE first
+INCLUDE second
+: TOTAL  P1 F1 + S1 + S2 + ;
+: CHECK  TOTAL 313 <> ABORT" wrong total" ;
+CHECK
+SRC
+crlf "$work/cont/FIRST.KVR" <<'SRC'
+: F1 10 ;
+SRC
+crlf "$work/cont/SECOND.KVR" <<'SRC'
+: S1 100 ;
+: S2
+  S1 NOT-YET-WRITTEN
+  DUP + ;
+SRC
+ckvr() { "$BIN/kvr" --settings-dir "$settings" compile "$work/cont/PROG.KVR" --remote "127.0.0.1:$cont_port" "$@"; }
+times_sent() { grep -c -x -F -- "$1" "$work/cont.log"; }
+out=$(ckvr 2> "$work/err")
+expect_eq "$?" 1 "continue: the first run stops on the board error"
+echo "$out" | tail -n 1 | grep -q "SECOND.KVR - line 3: NOT-YET-WRITTEN ?  - " || fail "continue: first run: $out"
+sed -i 's/NOT-YET-WRITTEN/1+/' "$work/cont/SECOND.KVR"
+out=$(ckvr --continue 2> "$work/err")
+expect_eq "$?" 0 "continue: the fixed program finishes, CHECK included"
+echo "$out" | head -n 1 | grep -q "^CONTINUED at .*SECOND.KVR line 2$" || fail "continue: no resume line: $out"
+for line in ": P1 1 ;" ": F1 10 ;" ": S1 100 ;"; do
+    expect_eq "$(times_sent "$line")" 1 "continue: '$line' sent once"
 done
+expect_eq "$(times_sent ": S2")" 2 "continue: the failing definition sent again from its first line"
+expect_eq "$(times_sent "  S1 1+")" 1 "continue: the fixed line"
+expect_eq "$(times_sent "CHECK")" 1 "continue: the check of every file's words"
+# A change before the failing line is named, and a full compile needs --yes.
+sed -i 's/1+/NOT-YET-WRITTEN/' "$work/cont/SECOND.KVR"
+ckvr > /dev/null 2>&1
+expect_eq "$?" 1 "continue: stopped again"
+sed -i 's/NOT-YET-WRITTEN/1+/' "$work/cont/SECOND.KVR"
+sed -i 's/: F1 10 ;/: F1  10 ;/' "$work/cont/FIRST.KVR"
+before=$(wc -l < "$work/cont.log")
+ckvr --continue > /dev/null 2> "$work/err"
+expect_eq "$?" 3 "continue refused after an earlier change"
+grep -q "FIRST.KVR line 1 has changed" "$work/err" || fail "continue: change not named: $(cat "$work/err")"
+expect_eq "$(wc -l < "$work/cont.log")" "$before" "continue: nothing sent when refused"
+ckvr --continue --yes > "$work/out" 2> "$work/err"
+expect_eq "$?" 0 "continue --yes compiles from the start"
+grep -q "CONTINUED" "$work/out" && fail "continue --yes: $(cat "$work/out")"
+expect_eq "$(times_sent ": F1  10 ;")" 1 "continue --yes sent the whole program"
+kill "$cont_pid"; wait "$cont_pid" 2>/dev/null
+
+# --- the board goes away in the middle of a compile
+spawn_board gone
+gone_pid=$spawned_pid
+gone_port=$spawned_port
 "$BIN/kvr" --settings-dir "$settings" compile "$work/src/LONGRUN.KVR" --quiet --remote "127.0.0.1:$gone_port" \
     > "$work/gone.report" 2> "$work/err" &
 kvr_pid=$!
@@ -194,6 +268,34 @@ kill "$gone_pid"; wait "$gone_pid" 2>/dev/null
 wait "$kvr_pid"
 expect_eq "$?" 2 "board gone exit status"
 expect_eq "$(tail -n 1 "$work/gone.report")" "KVR4410 NOT RESPONDING" "board gone report"
+
+# --- a board that never answers (stopped: the system still accepts the
+# connection): no end address is no normal end, and Ctrl-C ends the wait at
+# once, whatever the time-out
+spawn_board mute
+mute_pid=$spawned_pid
+mute_port=$spawned_port
+kill -STOP "$mute_pid"
+: > "$work/src/EMPTY.KVR"
+out=$("$BIN/kvr" --settings-dir "$settings" compile "$work/src/EMPTY.KVR" --json --remote "127.0.0.1:$mute_port" \
+    2>/dev/null)
+expect_eq "$?" 2 "unconfirmed end address exit status"
+echo "$out" | tail -n 1 | grep -q '"outcome":"end-address-unconfirmed"' || fail "json unconfirmed end: $out"
+mkdir -p "$work/patient"
+sed 's/^Timeout=.*/Timeout=60000\r/' "$settings/KVR-PC.INI" > "$work/patient/KVR-PC.INI"
+printf 'INCLUDE io\r\n' > "$work/src/MUTE.KVR"
+"$BIN/kvr" --settings-dir "$work/patient" compile "$work/src/MUTE.KVR" --remote "127.0.0.1:$mute_port" \
+    > "$work/mute.report" 2> "$work/err" &
+kvr_pid=$!
+for _ in $(seq 1 400); do
+    grep -q "INCLUDED" "$work/mute.report" && break
+    sleep 0.02
+done
+kill -INT "$kvr_pid"
+wait "$kvr_pid"
+expect_eq "$?" 4 "silent board halted exit status"
+expect_eq "$(tail -n 1 "$work/mute.report")" "HALTED COMPILE WITH F2" "silent board halt report"
+[ -s "$work/err" ] && fail "the halt waited for the silent board: $(cat "$work/err")"
 
 # --- the same program over a serial port (a pseudo-terminal board)
 "$BIN/kvr-board" --pty --link "$work/ttyKVR" > "$work/pty.out" 2> "$work/pty.err" &
