@@ -4,10 +4,12 @@
 #include "compiler/ui/UnravelMenu.h"
 #include "editor/ui/EditorWindows.h"
 #include "words/ui/WordsWindows.h"
+#include <QApplication>
 #include <QLabel>
 #include <QListWidget>
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QPushButton>
 
@@ -28,6 +30,7 @@ private slots:
         UnravelMenu unravel(*f.context, editors.Pool());
         words.Builder().SetClock([] { return QDateTime(QDate(2024, 3, 7), QTime(9, 5)); });
         frame.show();
+        QApplication::setActiveWindow(&frame);
         const QString main = f.Write("MAIN.KVR", {": A ;", "INCLUDE LIB", ": B ;", ": C ;"});
         f.Write("LIB.KVR", {": L ;"});
         editors.Pool().OpenFile(main);
@@ -46,8 +49,12 @@ private slots:
             QVERIFY(window->findChild<QPushButton *>("cmdESC")->isVisible());
             QVERIFY(!window->findChild<QListWidget *>("lstWords")->isVisible());
             QVERIFY(!make->isEnabled());
-            if (++line == 3)
-                window->findChild<QPushButton *>("cmdESC")->click();
+            if (++line == 3) {
+                // Escape presses Stop while the build runs.
+                QPushButton *stop = window->findChild<QPushButton *>("cmdESC");
+                stop->setFocus();
+                QTest::keyClick(stop, Qt::Key_Escape);
+            }
         });
         f.prompts.answers << PromptAnswer::Ok << PromptAnswer::No;
         make->trigger();
@@ -62,6 +69,21 @@ private slots:
         QCOMPARE(list->findItems(QString(" A          ") + QChar(31), Qt::MatchExactly).size(), 1);
         QCOMPARE(list->findItems(" DUP        ", Qt::MatchExactly).size(), 1);
         QCOMPARE(window->windowTitle(), "Database of definitions in " + ShortenPath(main));
+
+        // After the build Escape presses OK, which closes the window.
+        list->setFocus();
+        QTest::keyClick(list, Qt::Key_Escape);
+        QVERIFY(window->parentWidget()->isHidden());
+        // The editor the build came from is active again, so keys reach it.
+        QVERIFY(area->activeSubWindow());
+        QCOMPARE(area->activeSubWindow()->widget(), editor);
+
+        // The next build shows the window again, with its contents.
+        f.prompts.answers << PromptAnswer::Ok << PromptAnswer::No;
+        make->trigger();
+        QCOMPARE(words.Builder().LastEnd(), DatabaseBuilder::End::Finished);
+        QVERIFY(window->isVisible());
+        QVERIFY(list->isVisible());
     }
 };
 

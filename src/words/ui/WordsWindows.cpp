@@ -3,6 +3,7 @@
 #include "words/DatabaseBuilder.h"
 #include "words/ui/frmWords.h"
 #include <QAction>
+#include <QEvent>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -22,6 +23,7 @@ WordsWindows::WordsWindows(AppContext &context, EditorHost *editor, QMdiArea *ar
         m_subWindow->setAttribute(Qt::WA_DeleteOnClose, false);
         m_subWindow->resize(640, 440);
         m_subWindow->hide();
+        m_subWindow->installEventFilter(this);
     }
     if (m_editor)
         connect(m_editor, &EditorHost::EditorCreated, this, &WordsWindows::Install);
@@ -52,10 +54,31 @@ void WordsWindows::BringForward()
     QWidget *window = m_subWindow ? static_cast<QWidget *>(m_subWindow.data()) : m_window.data();
     if (!window)
         return;
+    // Closing the sub-window closed frmWords inside it as well.
+    m_window->show();
     window->show();
     window->raise();
     if (m_subWindow && m_area)
         m_area->setActiveSubWindow(m_subWindow);
+}
+
+bool WordsWindows::eventFilter(QObject *watched, QEvent *event)
+{
+    // A closed words window leaves no window active: the keys would go to
+    // the frame's menu bar instead of the window the user came from.
+    if (watched == m_subWindow && event->type() == QEvent::Hide && !event->spontaneous())
+        ActivatePrevious();
+    return QObject::eventFilter(watched, event);
+}
+
+void WordsWindows::ActivatePrevious()
+{
+    const QList<QMdiSubWindow *> windows = m_area->subWindowList(QMdiArea::ActivationHistoryOrder);
+    for (auto it = windows.rbegin(); it != windows.rend(); ++it)
+        if (*it != m_subWindow && (*it)->isVisible()) {
+            m_area->setActiveSubWindow(*it);
+            return;
+        }
 }
 
 void WordsWindows::Install(int index, QObject *object)

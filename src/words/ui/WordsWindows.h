@@ -1,9 +1,8 @@
 #pragma once
 // The words database in the windowed program: the Definitions menu of every
 // editor window, the builder, and frmWords in the frame showing its progress.
-#include <QHash>
-#include <QObject>
 #include "words/ui/frmWords.h"
+#include <QObject>
 #include <QPointer>
 
 class QAction;
@@ -15,7 +14,6 @@ namespace kvr {
 class AppContext;
 class DatabaseBuilder;
 class EditorHost;
-
 
 class WordsWindows : public QObject {
     Q_OBJECT
@@ -31,8 +29,12 @@ public:
     // mnuDMake of editor window `index`.
     void MakeDatabase(int index);
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void BringForward();
+    void ActivatePrevious();
 
     AppContext &m_context;
     EditorHost *m_editor;

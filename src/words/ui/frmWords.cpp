@@ -2,6 +2,7 @@
 #include "app/FilePaths.h"
 #include "app/Text.h"
 #include "words/WordsDatabase.h"
+#include <QApplication>
 #include <QFontDatabase>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -10,6 +11,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace kvr {
@@ -82,6 +84,15 @@ frmWords::frmWords(QWidget *parent) : QWidget(parent)
             close();
     });
 
+    // Escape presses Stop while a build runs (hence its name cmdESC), OK after.
+    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    escape->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(escape, &QShortcut::activated, this, [this] {
+        QPushButton *button = m_isMaking ? m_stop : m_buttons[4];
+        if (!button->isHidden())
+            button->click();
+    });
+
     auto *grid = new QGridLayout(this);
     grid->addWidget(m_makingLabel, 0, 0, 1, 2);
     grid->addWidget(m_wait, 1, 0, 1, 2);
@@ -149,9 +160,15 @@ bool frmWords::ShowList(const QString &databasePath)
         for (const WordRecord *record : std::as_const(m_records))
             m_list->addItem(ListEntry(*record));
     }
+    // Hiding Stop left the focus on the frame around us: hand it to the list
+    // so keys reach the window, but take it from no other window.
+    const QWidget *focus = QApplication::focusWidget();
+    const bool focusHere = !focus || focus == this || isAncestorOf(focus) || focus->isAncestorOf(this);
     SetListVisible(true);
     if (!m_records.isEmpty())
         m_list->setCurrentRow(0);
+    if (focusHere)
+        m_list->setFocus();
     return read;
 }
 
