@@ -27,19 +27,14 @@ const char *UnravelNotes =
     "Exit status: 0 written, 1 an INCLUDE file not found (what was written is\n"
     "kept) or OUT not writable, 3 bad usage.\n";
 
-struct UnravelParser {
+struct UnravelParser : CommandOptions {
     QCommandLineParser parser;
-    QCommandLineOption settingsDir{QStringLiteral("settings-dir"),
-                                   QStringLiteral("Keep settings and lock file in DIR for this run."),
-                                   QStringLiteral("DIR")};
     QCommandLineOption output{QStringList{QStringLiteral("o"), QStringLiteral("output")},
                               QStringLiteral("The flat file to write."), QStringLiteral("OUT")};
     QCommandLineOption strip{QStringLiteral("strip"),
                              QStringLiteral("Leave out comments, empty lines and extra blanks.")};
     QCommandLineOption map{QStringLiteral("map"), QStringLiteral("Write the line map to MAPFILE."),
                            QStringLiteral("MAPFILE")};
-    QCommandLineOption help{QStringList{QStringLiteral("h"), QStringLiteral("help")},
-                            QStringLiteral("Print this help and exit.")};
 
     UnravelParser()
     {
@@ -57,21 +52,15 @@ int RunUnravelCommand(const QStringList &arguments, const QString &settingsDir)
     UnravelParser command;
     QCommandLineParser &parser = command.parser;
     const QString name = QStringLiteral("kvr unravel");
-    if (!parser.parse(QStringList{name} + arguments))
-        return UsageError(name, parser.errorText(), command.Help());
-    if (parser.isSet(command.help)) {
-        std::fputs(qPrintable(command.Help()), stdout);
-        return ExitFinished;
-    }
-    const QStringList files = parser.positionalArguments();
-    if (files.size() != 1)
-        return UsageError(name, files.isEmpty() ? QStringLiteral("no FILE given") : QStringLiteral("only one FILE"),
-                          command.Help());
+    QString file;
+    if (const std::optional<int> ended =
+            ParseFileCommand(parser, command.help, name, command.Help(), arguments, file))
+        return *ended;
     if (!parser.isSet(command.output))
         return UsageError(name, QStringLiteral("no output file given (-o OUT)"), command.Help());
 
     // Relative names are taken before the run moves to the source's folder.
-    const QString source = LogicalName(files.first());
+    const QString source = LogicalName(file);
     const QString output = QFileInfo(parser.value(command.output)).absoluteFilePath();
     const QString mapFile = parser.isSet(command.map) ? QFileInfo(parser.value(command.map)).absoluteFilePath()
                                                       : QString();

@@ -29,20 +29,13 @@ const char *WordsNotes =
     "Exit status: 0 made, 1 an INCLUDE file not found or a faulty template or\n"
     "database, 3 bad usage, 4 halted (Ctrl-C; what was read stays in the database).\n";
 
-struct WordsParser {
+struct WordsParser : CommandOptions {
     QCommandLineParser parser;
-    QCommandLineOption settingsDir{QStringLiteral("settings-dir"),
-                                   QStringLiteral("Keep settings and lock file in DIR for this run."),
-                                   QStringLiteral("DIR")};
-    QCommandLineOption type{QStringLiteral("type"), QStringLiteral("Computer type: 4410ANS, 4410Fig or 6630Fig."),
-                            QStringLiteral("T")};
     QCommandLineOption suggest{QStringLiteral("suggest"),
                                QStringLiteral("Write the suggestions report FILE.SUG too.")};
     QCommandLineOption report{QStringLiteral("report"),
                               QStringLiteral("Write the alphanumeric report of definitions to OUT.TXT."),
                               QStringLiteral("OUT.TXT")};
-    QCommandLineOption help{QStringList{QStringLiteral("h"), QStringLiteral("help")},
-                            QStringLiteral("Print this help and exit.")};
 
     WordsParser()
     {
@@ -122,17 +115,11 @@ int RunWordsCommand(const QStringList &arguments, const QString &settingsDir)
     WordsParser command;
     QCommandLineParser &parser = command.parser;
     const QString name = QStringLiteral("kvr words");
-    if (!parser.parse(QStringList{name} + arguments))
-        return UsageError(name, parser.errorText(), command.Help());
-    if (parser.isSet(command.help)) {
-        std::fputs(qPrintable(command.Help()), stdout);
-        return ExitFinished;
-    }
-    const QStringList files = parser.positionalArguments();
-    if (files.size() != 1)
-        return UsageError(name, files.isEmpty() ? QStringLiteral("no FILE given") : QStringLiteral("only one FILE"),
-                          command.Help());
-    const QString source = LogicalName(files.first());
+    QString file;
+    if (const std::optional<int> ended =
+            ParseFileCommand(parser, command.help, name, command.Help(), arguments, file))
+        return *ended;
+    const QString source = LogicalName(file);
     const QString reportTarget =
         parser.isSet(command.report) ? QFileInfo(parser.value(command.report)).absoluteFilePath() : QString();
 
