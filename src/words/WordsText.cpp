@@ -84,15 +84,7 @@ QString Separator()
 
 QString ReportDate(const QDateTime &when)
 {
-    static const QString months = QStringLiteral("JanFebMarAprMayJunJulAugSepOctNovDec");
-    const QDate date = when.date();
-    const QTime time = when.time();
-    return QStringLiteral("%1 %2 %3  %4:%5")
-        .arg(date.day(), 2, 10, QLatin1Char('0'))
-        .arg(months.mid(3 * (date.month() - 1), 3))
-        .arg(date.year())
-        .arg(time.hour(), 2, 10, QLatin1Char('0'))
-        .arg(time.minute(), 2, 10, QLatin1Char('0'));
+    return DayMonthYearTime(when, 4);
 }
 
 QString PadToColumn(const QString &text, int column)
