@@ -10,30 +10,11 @@ cleanup() {
     rm -rf "$work"
 }
 trap cleanup EXIT
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-expect_eq() { [ "$1" == "$2" ] || fail "$3: expected '$2', got '$1'"; }
+source "${KVR_SOURCE_DIR:?}/tests/e2e/cli_lib.sh"
 
-"$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/board.log" > "$work/board.out" 2> "$work/board.err" &
-board_pid=$!
-port=""
-for _ in $(seq 1 200); do
-    port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/board.out")
-    [ -n "$port" ] && break
-    sleep 0.05
-done
-[ -n "$port" ] || { echo "kvr-board did not start:"; cat "$work/board.err"; exit 1; }
+start_main_board
 
-settings="$work/settings"
-mkdir -p "$settings" "$work/src" "$work/extra"
-crlf() { sed 's/$/\r/' > "$1"; }
-crlf "$settings/KVR-PC.INI" <<INI
-[Parameters]
-KVR computer type=4410ANS
-Intercharacter delay - KVR4410=0
-Timeout=3000
-Extra source file search paths=$work/extra/;
-INI
+board_settings
 crlf "$work/src/Main.kvr" <<'SRC'
 \ main program
 #CONDITION FAST

@@ -5,10 +5,7 @@ set -u
 BIN=${KVR_BIN_DIR:?}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-expect_eq() { [ "$1" == "$2" ] || fail "$3: expected '$2', got '$1'"; }
-crlf() { sed 's/$/\r/' > "$1"; }
+source "${KVR_SOURCE_DIR:?}/tests/e2e/cli_lib.sh"
 words() { "$BIN/kvr" --settings-dir "$work/settings" words "$@"; }
 
 mkdir -p "$work/src"

@@ -7,17 +7,8 @@ source "${KVR_SOURCE_DIR:?}/tests/e2e/lib.sh"
 start_display
 start_board --log "$E2E_DIR/board.log"
 src="$E2E_DIR/src"
-mkdir -p "$src" "$SETTINGS_DIR"
-crlf() { sed 's/$/\r/' > "$1"; }
-crlf "$SETTINGS_DIR/KVR-PC.INI" <<INI
-[Parameters]
-KVR-PC version=3.20
-KVR computer type=4410ANS
-Opening dialogue=OFF
-Wizard question=OFF
-Intercharacter delay - KVR4410=0
-Timeout=3000
-INI
+mkdir -p "$src"
+write_settings </dev/null
 program() {
     crlf "$src/MAIN.KVR" <<'SRC'
 \ squares
@@ -31,7 +22,6 @@ crlf "$src/LIB.KVR" <<'SRC'
 : SQUARE  DUP * ;
 SRC
 
-box() { window_id '^KVR-PC for Windows$'; }
 # answer KEY: the next message box gets KEY and goes away.
 answer() {
     local wid
@@ -41,33 +31,14 @@ answer() {
         || fail "box did not close"
 }
 
-start_pc --simulator "127.0.0.1:$BOARD_PORT" "$src/MAIN.KVR"
-deadline=$((SECONDS + 30))
-FRAME=""
-while [ -z "$FRAME" ]; do
-    [ $SECONDS -lt $deadline ] || fail "not connected; windows: $(visible_windows)"
-    for wid in $(xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null); do
-        keys "$wid" Return || true
-    done
-    FRAME=$(window_id '^KVR-PC for Windows - .* - connected$') || true
-done
-# The caption says connected while the connect message may still be up.
-greeted() {
-    grep -q START "$E2E_DIR/board.log" && [ -z "$(box)" ] && return 0
-    for wid in $(xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null); do
-        keys "$wid" Return || true
-    done
-    return 1
-}
-wait_until 20 greeted || fail "board not greeted"
+start_connected "$src/MAIN.KVR"
 # Tab takes the focus from the terminal to the editor window once; later the
 # editor is active again when the words window is closed.
 keys "$FRAME" Tab
-editor_menu() { keys "$FRAME" "$@"; }
 close_words() { keys "$FRAME" Escape; }
 
 # --- Definitions > Make database, with suggestions
-editor_menu alt+d m
+keys "$FRAME" alt+d m
 answer Return   # make a new database: OK
 answer Return   # suggestions: Yes
 wait_until 20 grep -q "Total number of definitions used" "$src/MAIN.SUG" || fail "no report: $(ls "$src")"
@@ -79,7 +50,7 @@ close_words
 
 # --- a missing INCLUDE file: the opener says so, the build ends
 printf 'INCLUDE NOWHERE\r\n: AFTER ;\r\n' > "$src/MAIN.KVR"
-editor_menu alt+d m
+keys "$FRAME" alt+d m
 answer Return   # make a new database: OK
 answer Return   # suggestions: Yes
 answer Return   # MAIN.SUG exists: overwrite
@@ -92,7 +63,7 @@ close_words
 
 # --- File > Unravel INCLUDEs, as they stand, to a file named in the dialog
 program
-editor_menu alt+f u
+keys "$FRAME" alt+f u
 answer alt+n    # not stripped
 dialog=$(wait_window 20 '^Save unravelled file as$')
 keys "$dialog" ctrl+a
