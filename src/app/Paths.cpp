@@ -62,6 +62,12 @@ QString Paths::InstallDataFolder() const
                           QStringLiteral(KVR_SOURCE_DATA_DIR)});
 }
 
+QString Paths::GeneratedDataFolder() const
+{
+    const QString bin = QCoreApplication::applicationDirPath();
+    return FirstExisting({bin + QStringLiteral("/../share/kvr-pc"), QStringLiteral(KVR_BUILD_DATA_DIR)});
+}
+
 QString Paths::ExamplesFolder() const
 {
     const QString bin = QCoreApplication::applicationDirPath();
@@ -77,6 +83,13 @@ QString Paths::SettingsFile() const
 QString Paths::LockFile() const
 {
     return m_windows + QStringLiteral("kvr-pc.lck");
+}
+
+void Paths::Prepare() const
+{
+    Prepare(InstallDataFolder());
+    if (GeneratedDataFolder() != InstallDataFolder())
+        Prepare(GeneratedDataFolder());
 }
 
 void Paths::Prepare(const QString &dataFolder) const

@@ -18,6 +18,9 @@ public:
     QString ProgramFolder() const { return m_program; }   // trailing '/'
     QString KvrHomeFolder() const { return m_kvrHome; }   // trailing '/'
     QString InstallDataFolder() const;                     // trailing '/'
+    // Where the files made at build time are: the installation's data
+    // folder, or in a build tree the build's own.
+    QString GeneratedDataFolder() const;                   // trailing '/'
     QString ExamplesFolder() const;                        // trailing '/'
 
     QString SettingsFile() const;
@@ -26,7 +29,9 @@ public:
     // Creates the folders and copies the shipped board programs and
     // templates from `dataFolder` into the program folder where missing.
     void Prepare(const QString &dataFolder) const;
-    void Prepare() const { Prepare(InstallDataFolder()); }
+    // From the installation's data, and in a build tree from what the
+    // build made too.
+    void Prepare() const;
 
 private:
     QString m_windows;

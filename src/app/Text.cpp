@@ -1,4 +1,5 @@
 #include "app/Text.h"
+#include <QDateTime>
 
 namespace kvr {
 
@@ -50,6 +51,20 @@ QString ShortenPath(const QString &path)
     if (path.size() > 38)
         return QStringLiteral("...") + path.right(34);
     return path;
+}
+
+QString DayMonthYearTime(const QDateTime &when, int yearDigits)
+{
+    static const QString months = QStringLiteral("JanFebMarAprMayJunJulAugSepOctNovDec");
+    const QDate date = when.date();
+    const QTime time = when.time();
+    const int year = yearDigits == 2 ? date.year() % 100 : date.year();
+    return QStringLiteral("%1 %2 %3  %4:%5")
+        .arg(date.day(), 2, 10, QLatin1Char('0'))
+        .arg(months.mid(3 * (date.month() - 1), 3))
+        .arg(year, yearDigits, 10, QLatin1Char('0'))
+        .arg(time.hour(), 2, 10, QLatin1Char('0'))
+        .arg(time.minute(), 2, 10, QLatin1Char('0'));
 }
 
 } // namespace kvr

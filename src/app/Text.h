@@ -3,11 +3,17 @@
 // settings use at each point of use, and fixed-width string slices.
 #include <QString>
 
+class QDateTime;
+
 namespace kvr {
 
 // Leading number of `text` (blanks first, sign, digits, one decimal point);
 // 0 when the text does not begin with a number.
 double Val(const QString &text);
+
+// "07 Mar 2025  14:05" (four-digit year) or "07 Mar 25  14:05": day, month
+// from "JanFebMar...", year, two blanks, time.
+QString DayMonthYearTime(const QDateTime &when, int yearDigits);
 
 // The first `count` characters (all of them when shorter).
 inline QString Left(const QString &text, qsizetype count)

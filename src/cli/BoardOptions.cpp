@@ -148,4 +148,22 @@ int UsageError(const QString &command, const QString &problem, const QString &he
     return ExitUsage;
 }
 
+std::optional<int> ParseFileCommand(QCommandLineParser &parser, const QCommandLineOption &help, const QString &command,
+                                    const QString &helpText, const QStringList &arguments, QString &file)
+{
+    if (!parser.parse(QStringList{command} + arguments))
+        return UsageError(command, parser.errorText(), helpText);
+    if (parser.isSet(help)) {
+        std::fputs(qPrintable(helpText), stdout);
+        return ExitFinished;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.isEmpty())
+        return UsageError(command, QStringLiteral("no FILE given"), helpText);
+    if (files.size() > 1)
+        return UsageError(command, QStringLiteral("only one FILE, got '%1' too").arg(files.at(1)), helpText);
+    file = files.first();
+    return std::nullopt;
+}
+
 } // namespace kvr

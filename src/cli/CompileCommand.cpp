@@ -114,21 +114,14 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     CompileParser command;
     QCommandLineParser &parser = command.parser;
     const QString name = QStringLiteral("kvr compile");
-    if (!parser.parse(QStringList{name} + arguments))
-        return UsageError(name, parser.errorText(), command.Help());
-    if (parser.isSet(command.board.help)) {
-        std::fputs(qPrintable(command.Help()), stdout);
-        return ExitFinished;
-    }
-    const QStringList files = parser.positionalArguments();
-    if (files.isEmpty())
-        return UsageError(name, QStringLiteral("no FILE given"), command.Help());
-    if (files.size() > 1)
-        return UsageError(name, QStringLiteral("only one FILE, got '%1' too").arg(files.at(1)), command.Help());
+    QString file;
+    if (const std::optional<int> ended =
+            ParseFileCommand(parser, command.board.help, name, command.Help(), arguments, file))
+        return *ended;
     const struct {
         QString file;
         bool json;
-    } options{files.first(), parser.isSet(command.json)};
+    } options{file, parser.isSet(command.json)};
 
     Paths paths(parser.isSet(command.board.settingsDir) ? parser.value(command.board.settingsDir) : settingsDir);
     paths.Prepare();

@@ -4,6 +4,8 @@
 #include "cli/CompileCommand.h"
 #include "cli/ReflashCommand.h"
 #include "cli/UploadCommand.h"
+#include "cli/UnravelCommand.h"
+#include "cli/WordsCommand.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <cstdio>
@@ -23,6 +25,8 @@ const QList<Command> &Commands()
         {"compile", "compile FILE on the board (kvr compile --help)", kvr::RunCompileCommand},
         {"upload", "upload board memory into a PROM image (kvr upload --help)", kvr::RunUploadCommand},
         {"reflash", "re-program a KVR4410F's flash (kvr reflash --help)", kvr::RunReflashCommand},
+        {"unravel", "write FILE with its INCLUDE files expanded (kvr unravel --help)", kvr::RunUnravelCommand},
+        {"words", "make the words database of FILE (kvr words --help)", kvr::RunWordsCommand},
     };
     return commands;
 }

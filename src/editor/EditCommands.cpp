@@ -1,4 +1,5 @@
 #include "editor/EditCommands.h"
+#include "app/Text.h"
 
 namespace kvr {
 
@@ -144,15 +145,7 @@ QString InvertCase(const QString &text)
 
 QString DateStamp(const QDateTime &when)
 {
-    static const QString months = QStringLiteral("JanFebMarAprMayJunJulAugSepOctNovDec");
-    const QDate date = when.date();
-    const QTime time = when.time();
-    return QStringLiteral("%1 %2 %3  %4:%5")
-        .arg(date.day(), 2, 10, QLatin1Char('0'))
-        .arg(months.mid(3 * (date.month() - 1), 3))
-        .arg(date.year() % 100, 2, 10, QLatin1Char('0'))
-        .arg(time.hour(), 2, 10, QLatin1Char('0'))
-        .arg(time.minute(), 2, 10, QLatin1Char('0'));
+    return DayMonthYearTime(when, 2);
 }
 
 int TabSpacesValue(const QString &setting)

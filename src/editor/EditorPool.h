@@ -58,6 +58,9 @@ public:
     bool SaveFile(const QString &name, int index, bool keepCaption);
     // The chosen name in upper case; empty when cancelled.
     QString SaveFileAs(const QString &currentCaption);
+    // The same dialog, the name as the user typed it (a new file is made
+    // under that spelling).
+    QString AskSaveName(const QString &currentCaption);
     bool Save(int index);   // mnuFSave
     bool SaveAs(int index); // mnuFSaveAs
     // The save question before a window goes; false keeps it open.
@@ -114,6 +117,7 @@ public:
 
     QString CurrentFileName() const { return m_context.settings.currentFile; }
     QString WorkingFileName() const { return m_workingFileName; }
+    void SetWorkingFileName(const QString &name) { m_workingFileName = name; }
 
 signals:
     void HaltRequested();
@@ -127,7 +131,6 @@ private:
     bool IsOpen(int index) const;
     static bool IsUnnamed(const QString &caption);
     EditorView *CreateWindow(int index);
-    QString AskSaveName(const QString &currentCaption);
     // Whether the window can take `added` characters for `removed` ones;
     // when it cannot, the box says so.
     bool FitsOrSays(const EditorView *view, int removed, qsizetype added);

@@ -5,6 +5,7 @@
 #include "compiler/CompileDriver.h"
 #include "compiler/CompileProgress.h"
 #include "compiler/ui/CompilerWindows.h"
+#include "compiler/ui/UnravelMenu.h"
 #include "editor/EditorPool.h"
 #include "editor/ui/EditorWindows.h"
 #include "link/Link.h"
@@ -12,6 +13,8 @@
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
 #include "prom/ui/PromWindows.h"
+#include "words/DatabaseBuilder.h"
+#include "words/ui/WordsWindows.h"
 #include <QMdiArea>
 #include <algorithm>
 #include <QMdiSubWindow>
@@ -59,6 +62,7 @@ MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLi
     InstallEditors();
     InstallCompiler();
     InstallProm();
+    InstallWords();
     connect(&m_frame, &frmMDI::PortRequested, this, &MainAssembly::SwitchPort);
 }
 
@@ -174,6 +178,14 @@ void MainAssembly::InstallProm()
             help->trigger();
     });
     connect(&m_frame, &frmMDI::Closing, m_prom, &PromWindows::StopAll);
+}
+
+void MainAssembly::InstallWords()
+{
+    m_words = new WordsWindows(m_context, &m_editors->Pool(), m_frame.MdiArea(), this);
+    m_unravel = new UnravelMenu(m_context, m_editors->Pool(), this);
+    // Closing the program stops a build before its next line.
+    connect(&m_frame, &frmMDI::Closing, &m_words->Builder(), &DatabaseBuilder::Stop);
 }
 
 void MainAssembly::OpenFirstEditorWindow()

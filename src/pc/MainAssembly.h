@@ -15,6 +15,8 @@ class frmEmulator;
 class EditorHost;
 class EditorWindows;
 class PromWindows;
+class UnravelMenu;
+class WordsWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -40,6 +42,7 @@ private:
     void InstallTerminal();
     void InstallCompiler();
     void InstallProm();
+    void InstallWords();
     void OpenFirstEditorWindow();
     void PlaceTerminal();
     void ShowOpeningDialogue();
@@ -57,6 +60,8 @@ private:
     EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
     PromWindows *m_prom = nullptr;
+    WordsWindows *m_words = nullptr;
+    UnravelMenu *m_unravel = nullptr;
     bool m_ending = false;
 };
 

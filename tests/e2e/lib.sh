@@ -125,3 +125,49 @@ process_gone() {
 wait_exit() {
     wait_until "$1" process_gone "$2"
 }
+
+# crlf FILE: writes standard input to FILE with CR LF line ends.
+crlf() { sed 's/$/\r/' > "$1"; }
+
+# write_settings: KVR-PC.INI for a 4410ANS board with the opening questions
+# off; lines on standard input are added after [Parameters]'s own.
+write_settings() {
+    mkdir -p "$SETTINGS_DIR"
+    { printf '%s\n' '[Parameters]' 'KVR-PC version=3.20' 'KVR computer type=4410ANS' 'Opening dialogue=OFF' \
+          'Wizard question=OFF' 'Intercharacter delay - KVR4410=0' 'Timeout=3000'
+      cat; } | crlf "$SETTINGS_DIR/KVR-PC.INI"
+}
+
+# answer_boxes: Return to every message box titled like the frame's first
+# caption.
+answer_boxes() {
+    local wid
+    for wid in $(xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null); do
+        keys "$wid" Return || true
+    done
+}
+
+# start_connected FILE: kvr-pc on FILE against the board started with
+# --log "$E2E_DIR/board.log", past the connect message and the board's
+# greeting; sets FRAME.
+start_connected() {
+    local log="$E2E_DIR/board.log" before deadline=$((SECONDS + 30))
+    before=$(wc -l < "$log")
+    start_pc --simulator "127.0.0.1:$BOARD_PORT" "$1"
+    # The connect message shares its title with the frame's first caption:
+    # answer whatever carries that title until the frame says "connected".
+    FRAME=""
+    while [ -z "$FRAME" ]; do
+        [ $SECONDS -lt $deadline ] || fail "not connected; windows: $(visible_windows)"
+        answer_boxes
+        sleep 0.3
+        FRAME=$(window_id '^KVR-PC for Windows - .* - connected$') || true
+    done
+    # The caption says connected while the connect message may still be up.
+    greeted() {
+        tail -n +$((before + 1)) "$log" | grep -q START && ! has_window '^KVR-PC for Windows$' && return 0
+        answer_boxes
+        return 1
+    }
+    wait_until 20 greeted || fail "board not greeted"
+}

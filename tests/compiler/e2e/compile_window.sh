@@ -11,15 +11,7 @@ start_board --log "$E2E_DIR/board.log"
 src="$E2E_DIR/src"
 extra="$E2E_DIR/extra"
 mkdir -p "$SETTINGS_DIR/program" "$src" "$extra"
-crlf() { sed 's/$/\r/' > "$1"; }
-crlf "$SETTINGS_DIR/KVR-PC.INI" <<INI
-[Parameters]
-KVR-PC version=3.20
-KVR computer type=4410ANS
-Opening dialogue=OFF
-Wizard question=OFF
-Intercharacter delay - KVR4410=0
-Timeout=3000
+write_settings <<INI
 Extra source file search paths=$extra/;
 [Colors]
 Status box background   red=255
@@ -61,30 +53,9 @@ sent() { since_mark | grep -c . || true; }
 # start FILE: kvr-pc on FILE, past the connect message; sets FRAME.
 start() {
     mark
-    start_pc --simulator "127.0.0.1:$BOARD_PORT" "$1"
-    # The connect message shares its title with the frame's first caption:
-    # answer whatever carries that title until the frame says "connected".
-    local deadline=$((SECONDS + 30)) wid
-    FRAME=""
-    while [ -z "$FRAME" ]; do
-        [ $SECONDS -lt $deadline ] || fail "not connected; windows: $(visible_windows)"
-        for wid in $(xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null); do
-            keys "$wid" Return || true
-        done
-        sleep 0.3
-        FRAME=$(window_id '^KVR-PC for Windows - KVR4410 ANS Forth - IP addresss 127.0.0.1 port [0-9]+ - connected$') || true
-    done
+    start_connected "$1"
     # The terminal comes forward after the greeting; Tab takes the focus
     # to the editor window.
-    # The caption says connected while the connect message may still be up.
-    greeted() {
-        since_mark | grep -q START && return 0
-        for wid in $(xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null); do
-            keys "$wid" Return || true
-        done
-        return 1
-    }
-    wait_until 10 greeted || fail "board not greeted"
     sleep 1
     keys "$FRAME" Tab
     sleep 0.3
