@@ -14,6 +14,7 @@ class frmMDI;
 class frmEmulator;
 class EditorHost;
 class EditorWindows;
+class HelpWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -27,6 +28,7 @@ public:
     Link &BoardLink() { return *m_link; }
     // The terminal window (its logic is the compiler's TerminalHost).
     frmEmulator &TerminalWindow() { return *m_terminal; }
+    HelpWindows &Help() { return *m_help; }
     // The pool of editor windows, as the compiler drives it.
     EditorHost &Editors();
     // The desktop session or a signal ends the program: no question can be
@@ -54,6 +56,7 @@ private:
     frmEmulator *m_terminal = nullptr;
     EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
+    HelpWindows *m_help = nullptr;
     bool m_ending = false;
 };
 
