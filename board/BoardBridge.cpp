@@ -12,12 +12,16 @@ BoardBridge::BoardBridge(BoardFront &front, ForthProcess &forth, int baud, int c
     connect(&m_forth, &ForthProcess::Restarted, this, [this] {
         m_forthReading = true;
         m_lineSent = false;
+        m_programKeys = false;
     });
     connect(&m_forth, &ForthProcess::ReadingLine, this, [this](bool reading) {
         m_forthReading = reading;
-        if (reading)
+        if (reading) {
             m_lineSent = false;
+            m_programKeys = false;
+        }
     });
+    connect(&m_forth, &ForthProcess::ProgramTakesKeys, this, [this] { m_programKeys = true; });
     connect(&m_pacer, &OutputPacer::Ready, &m_front, &BoardFront::Send);
     connect(&m_front, &BoardFront::ClientConnected, &m_pacer, &OutputPacer::Clear);
 }
@@ -30,8 +34,9 @@ void BoardBridge::FromPc(const QByteArray &chunk)
     if (m_log != nullptr)
         m_log->Take(taken);
     // Ctrl-C breaks into a running program; the board's own loop also sees
-    // it and drops the line being typed.
-    for (char byte : taken) {
+    // it and drops the line being typed. A program that reads keys itself
+    // (a receiver of binary data) gets it as data.
+    for (char byte : m_programKeys ? QByteArray() : taken) {
         if (byte == '\r' || byte == '\n')
             m_lineSent = true;
         else if (byte == '\x03' && (!m_forthReading || m_lineSent))

@@ -29,6 +29,7 @@ private:
     QElapsedTimer m_clock;
     bool m_forthReading = true;   // the board waits for a line
     bool m_lineSent = false;      // a line ended since the board last said it waits
+    bool m_programKeys = false;   // a program reads the bytes itself: no break
 };
 
 }  // namespace kvr::board

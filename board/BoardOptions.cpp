@@ -8,11 +8,14 @@ namespace kvr::board {
 namespace {
 
 const char *BoardNotes =
-    "\nWhen ready it prints one line: 'listening on 127.0.0.1:PORT' or 'pty /dev/pts/N'.\n";
+    "\nWhen ready it prints one line: 'listening on 127.0.0.1:PORT' or 'pty /dev/pts/N';\n"
+    "a 4410F then prints its flash range on a line of its own: 'flash 8800-FB7F'.\n"
+    "The flash is kept in the --flash file (created erased when missing), so it\n"
+    "outlives COLD and the board; without --flash it lasts as long as the board.\n";
 
 struct BoardParser {
     QCommandLineParser parser;
-    QCommandLineOption type{QStringLiteral("type"), QStringLiteral("Board type: 4410ANS (default), 4410Fig or 6630Fig."),
+    QCommandLineOption type{QStringLiteral("type"), QStringLiteral("Board type: 4410ANS (default), 4410Fig, 4410F (4410ANS with flash) or 6630Fig."),
                             QStringLiteral("T")};
     QCommandLineOption port{QStringLiteral("port"), QStringLiteral("Data port (default 4000), 0 picks a free one."),
                             QStringLiteral("N")};
@@ -29,6 +32,8 @@ struct BoardParser {
     QCommandLineOption charTime{QStringLiteral("char-time-us"),
                                 QStringLiteral("Lose characters arriving less than N us after the last one taken."),
                                 QStringLiteral("N")};
+    QCommandLineOption flash{QStringLiteral("flash"), QStringLiteral("4410F: keep the flash in FILE."),
+                             QStringLiteral("FILE")};
     QCommandLineOption log{QStringLiteral("log"), QStringLiteral("Write every line received to FILE."),
                            QStringLiteral("FILE")};
     QCommandLineOption gforth{QStringLiteral("gforth"), QStringLiteral("The gforth program to run."),
@@ -43,8 +48,8 @@ struct BoardParser {
         parser.setApplicationDescription(
             QStringLiteral("A simulated KVR board: a Forth system on gforth, reached over TCP on\n"
                            "127.0.0.1 or over a pseudo-terminal that stands in for a serial port."));
-        parser.addOptions({type, port, heartbeatPort, noHeartbeat, pty, link, baud, charTime, log, gforth, help,
-                           version});
+        parser.addOptions({type, port, heartbeatPort, noHeartbeat, pty, link, baud, charTime, flash, log, gforth,
+                           help, version});
     }
 };
 
@@ -87,10 +92,11 @@ bool ParseBoardOptions(const QStringList &args, BoardOptions &options, QString &
     }
     options.showVersion = parser.isSet(board.version);
     if (parser.isSet(board.type)) {
-        static const QStringList types{QStringLiteral("4410ANS"), QStringLiteral("4410Fig"), QStringLiteral("6630Fig")};
+        static const QStringList types{QStringLiteral("4410ANS"), QStringLiteral("4410Fig"), QStringLiteral("4410F"),
+                                       QStringLiteral("6630Fig")};
         options.type = parser.value(board.type);
         if (!types.contains(options.type)) {
-            error = QStringLiteral("unknown board type '%1' (4410ANS, 4410Fig or 6630Fig)").arg(options.type);
+            error = QStringLiteral("unknown board type '%1' (4410ANS, 4410Fig, 4410F or 6630Fig)").arg(options.type);
             return false;
         }
     }
@@ -113,6 +119,15 @@ bool ParseBoardOptions(const QStringList &args, BoardOptions &options, QString &
     options.linkPath = parser.value(board.link);
     options.logPath = parser.value(board.log);
     options.gforth = parser.value(board.gforth);
+    options.flashPath = parser.value(board.flash);
+    if (parser.isSet(board.flash) && options.type != QLatin1String("4410F")) {
+        error = QStringLiteral("--flash needs --type 4410F");
+        return false;
+    }
+    if (parser.isSet(board.flash) && options.flashPath.isEmpty()) {
+        error = QStringLiteral("--flash needs a file name");
+        return false;
+    }
     if (!options.linkPath.isEmpty() && !options.pty) {
         error = QStringLiteral("--link needs --pty");
         return false;

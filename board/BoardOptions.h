@@ -17,6 +17,7 @@ struct BoardOptions {
     int charTimeUs = 0;            // 0: no character is lost
     QString logPath;
     QString gforth;                // empty: looked up on PATH
+    QString flashPath;             // 4410F: the file that holds the flash
     bool showVersion = false;
 };
 

@@ -63,6 +63,8 @@ void ForthProcess::Launch()
     m_process->setWorkingDirectory(m_personality.path());
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("KVR_BOARD_TYPE"), m_boardType);
+    for (auto it = m_variables.cbegin(); it != m_variables.cend(); ++it)
+        env.insert(it.key(), it.value());
     m_process->setProcessEnvironment(env);
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     connect(m_process, &QProcess::readyReadStandardError, this, &ForthProcess::OnStderr);
@@ -96,8 +98,9 @@ void ForthProcess::OnStderr()
                 emit Up();
             }
             emit ReadingLine(byte == '\x02');
-        }
-        else
+        } else if (byte == '\x03') {
+            emit ProgramTakesKeys();
+        } else
             text += byte;
     }
     if (!text.isEmpty()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QObject>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -15,6 +16,9 @@ class ForthProcess : public QObject {
 public:
     ForthProcess(const QString &gforth, const QString &boardType, QObject *parent = nullptr);
     ~ForthProcess() override;
+
+    // An environment variable for the personality (set before Start).
+    void SetVariable(const QString &name, const QString &value) { m_variables.insert(name, value); }
 
     // Unpacks the personality and starts gforth; false with a message when
     // that is not possible.
@@ -32,6 +36,9 @@ signals:
     void Output(const QByteArray &bytes);
     // The board started waiting for a line (true) or working on one (false).
     void ReadingLine(bool reading);
+    // A program on the board reads keys itself: until the next line every
+    // byte is its data.
+    void ProgramTakesKeys();
     void Restarted();
     // The personality has signed on and waits for its first line.
     void Up();
@@ -45,6 +52,7 @@ private:
 
     QString m_gforth;
     QString m_boardType;
+    QMap<QString, QString> m_variables;
     QTemporaryDir m_personality;
     QProcess *m_process = nullptr;
     QByteArray m_pending;      // written while gforth was (re)starting

@@ -2,6 +2,7 @@
 // for its end-to-end tests.
 #include "BoardBridge.h"
 #include "BoardOptions.h"
+#include "Flash.h"
 #include "ForthProcess.h"
 #include "LineLog.h"
 #include "PtyFront.h"
@@ -9,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <csignal>
@@ -91,6 +93,22 @@ int main(int argc, char *argv[])
         return Fail(error);
 
     ForthProcess forth(gforth, options.type);
+    // Without a file of the user's the flash lasts as long as the board.
+    QTemporaryDir flashFolder;
+    const bool flash = options.type == QLatin1String("4410F");
+    if (flash) {
+        QString path = options.flashPath;
+        if (path.isEmpty()) {
+            if (!flashFolder.isValid())
+                return Fail(QStringLiteral("cannot make a temporary folder for the flash"));
+            path = flashFolder.filePath(QStringLiteral("flash.bin"));
+        }
+        if (!PrepareFlashFile(path, error))
+            return Fail(error);
+        forth.SetVariable(QStringLiteral("KVR_FLASH_FILE"), path);
+        forth.SetVariable(QStringLiteral("KVR_FLASH_BASE"), QString::number(FlashBase));
+        forth.SetVariable(QStringLiteral("KVR_FLASH_SIZE"), QString::number(FlashSize));
+    }
     BoardBridge bridge(*front, forth, options.baud, options.charTimeUs,
                        options.logPath.isEmpty() ? nullptr : &log);
     // The board is ready once its Forth system has signed on.
@@ -104,6 +122,8 @@ int main(int argc, char *argv[])
         startLimit.stop();
         front->Ready();
         std::printf("%s\n", qPrintable(front->ReadyLine()));
+        if (flash)
+            std::printf("%s\n", qPrintable(FlashLine()));
         std::fflush(stdout);
     });
     QObject::connect(&forth, &ForthProcess::Failed, &app, [&](const QString &message) {

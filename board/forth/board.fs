@@ -6,11 +6,15 @@ require ./output.fs
 require ./dialect.fs
 require ./memory.fs
 require ./clock.fs
+require ./forget.fs
 require ./console.fs
 
 \ A redefinition is reported the way the board does and accepted.
 : board-header ( -- )
-    $100 ?room  defers header
+    $100 ?room
+    here current @ dup wordlist-id @ 2>r >r
+    defers header
+    r> 2r> record-definition
     last @ ?dup IF
         name>string 2dup current @ search-wordlist
         IF drop type ."  NOT UNIQUE " ELSE 2drop THEN
@@ -18,7 +22,8 @@ require ./console.fs
 
 : board-main ( -- )
     decimal
-    dictionary-start board-start !  here dict-base !
+    dictionary-start board-start !  dictionary-end dict-end !  here dict-base !
+    flash-open
     ['] board-header is header
     sign-on board-loop ;
 

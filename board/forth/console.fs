@@ -7,18 +7,17 @@
 
 256 constant line-max
 2variable last-word    \ the word the interpreter parsed last
-create key-cell 1 chars allot
 
 :noname ( -- c-addr u )  defers parse-name 2dup last-word 2! ; is parse-name
 
 : crlf ( -- )  13 emit 10 emit ;
 : cr ( -- )  crlf ;
 
-\ The host closing our input means the board is switched off.
+\ The host closing our input means the board is switched off. Keys are
+\ taken one by one, unbuffered, so that KEY? sees what is still to come.
 : board-key ( -- c )
     flush-out
-    key-cell 1 stdin read-file throw 0= IF 0 (bye) THEN
-    key-cell c@ ;
+    stdin key-file  dup 4 = IF stdin file-eof? IF 0 (bye) THEN THEN ;
 
 \ The sign-on goes out in one piece: the bridge takes it as the sign of a
 \ board that is up.
@@ -29,7 +28,7 @@ create sign-on-line 80 chars allot
     13 sign-on-line r@ 2 + + c!  10 sign-on-line r@ 3 + + c!
     sign-on-line r> 4 + type ;
 
-: COLD ( -- )  flush-out 42 (bye) ;
+: COLD ( -- )  flush-out flash-sync 42 (bye) ;
 : bye ( -- )  COLD ;
 : quit ( -- )  -56 throw ;
 : { ( -- )  -13 throw ;   \ the host's locals syntax is no board word
@@ -66,11 +65,18 @@ variable after-cr
     add-char false ;
 
 \ Tells the bridge, on a channel of its own, whether the board is waiting
-\ for a line (2) or working on one (1), so it knows when a break is due.
+\ for a line (2) or working on one (1), so it knows when a break is due,
+\ and when a program starts reading keys itself (3): from then until the
+\ next line every byte is the program's, Ctrl-C included.
 : report ( c -- )  stderr emit-file drop ;
 
+variable keys-taken
+: key ( -- c )  keys-taken @ 0= IF 3 report keys-taken on THEN board-key ;
+: key? ( -- flag )  flush-out stdin key?-file ;
+
 : read-line ( -- )
-    2 report  0 #tib !  BEGIN board-key take-char UNTIL  input-start-line  1 report ;
+    2 report  keys-taken off
+    0 #tib !  BEGIN board-key take-char UNTIL  input-start-line  1 report ;
 
 \ The console as an input source.
 : console-refill ( -- flag )  ok-reply read-line true ;
@@ -88,9 +94,14 @@ create console-input
         refill 0=
     UNTIL ; immediate
 
+: board-line ( -- )
+    forget-line? IF
+        2dup last-word 2!  find-name dup 0= IF -13 throw THEN forget-word EXIT
+    THEN interpret ;
+
 : run-line ( -- )
     read-line  0 0 last-word 2!
-    ['] interpret catch ?dup IF line-failed ELSE ok-reply THEN ;
+    ['] board-line catch ?dup IF line-failed ELSE ok-reply THEN  flash-sync ;
 
 \ A break signal while waiting for a key only interrupts the wait.
 : board-loop ( -- )

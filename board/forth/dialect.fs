@@ -1,4 +1,5 @@
-\ Board types: sign-on, start of the dictionary and the error texts.
+\ Board types: sign-on, start and end of the dictionary and the error texts.
+\ A 4410F is a 4410 with ANS Forth and flash.
 
 : board-type ( -- c-addr u )  s" KVR_BOARD_TYPE" getenv ;
 
@@ -10,6 +11,10 @@
     board-type 2dup s" 4410Fig" str= IF 2drop fig-4410 EXIT THEN
     s" 6630Fig" str= IF fig-6630 ELSE ans-4410 THEN ;
 dialect constant this-board
+board-type s" 4410F" str= constant flash-board
+
+: env-number ( c-addr u -- n )  \ 0 when unset or not a number
+    getenv s>number? 0= IF 2drop 0 EXIT THEN drop ;
 
 : fig? ( -- flag )  this-board ans-4410 <> ;
 : kvr4410? ( -- flag )  this-board fig-6630 <> ;
@@ -22,9 +27,16 @@ dialect constant this-board
         fig-6630 OF $B400 ENDOF
     ENDCASE ;
 
+\ The first address above the dictionary: a 4410 keeps its system page at
+\ $FD00 and a 4410F its flash from KVR_FLASH_BASE.
+: dictionary-end ( -- addr )
+    flash-board IF s" KVR_FLASH_BASE" env-number EXIT THEN
+    kvr4410? IF $FD00 ELSE $10000 THEN ;
+
 : sign-on-text ( -- c-addr u )
     this-board CASE
-        ans-4410 OF s" KVR4410 ANS Forth V3.2  (simulated board)" ENDOF
+        ans-4410 OF flash-board IF s" KVR4410F ANS Forth V3.2  (simulated board)"
+                    ELSE s" KVR4410 ANS Forth V3.2  (simulated board)" THEN ENDOF
         fig-4410 OF s" KVR4410 fig-FORTH V2.7  (simulated board)" ENDOF
         fig-6630 OF s" KVR6630 fig-FORTH V1.9  (simulated board)" ENDOF
     ENDCASE ;
@@ -83,3 +95,7 @@ dialect constant this-board
 : error-text ( n -- c-addr u )
     dup -2 = IF drop "error @ ?dup IF count EXIT THEN s" aborted" EXIT THEN
     fig? IF fig-message ELSE ans-message THEN ;
+
+\ The PC sends DIS before it loads its upload program; on this board there is
+\ nothing for it to switch off.
+: DIS ( -- ) ;

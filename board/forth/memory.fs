@@ -1,31 +1,65 @@
 \ The board's 16-bit address space. Addresses below $10000 never belong to
 \ the host process, so they are taken as board addresses: from the start of
-\ the dictionary upwards they are the dictionary, below it a RAM area of its
-\ own. Numbers shown by . and U. that are host addresses of these areas are
-\ shown as board addresses, so what is printed can be typed back. The host
-\ compiles about four times the code a 16-bit board does, so one board byte
-\ of dictionary stands for four host bytes (a board address names the first).
+\ the dictionary to its end they are the dictionary, a 4410F's flash is a
+\ range of its own, and the rest is RAM. Numbers shown by . and U. that are
+\ host addresses of these areas are shown as board addresses, so what is
+\ printed can be typed back. The host compiles about four times the code a
+\ 16-bit board does, so one board byte of dictionary stands for four host
+\ bytes (a board address names the first).
 
 $10000 allocate throw constant low-ram
 low-ram $10000 erase
 
 variable dict-base     \ host address of the board's dictionary start
 variable board-start   \ its 16-bit board address
+variable dict-end      \ the first board address above it
 4 constant host/board   \ host bytes per board byte in the dictionary
 
-: board-room ( -- u )  $10000 board-start @ - ;
+: board-room ( -- u )  dict-end @ board-start @ - ;
+
+\ The flash of a 4410F lives in a host file (KVR_FLASH_FILE), so what is
+\ written there outlives COLD and the board itself. The file is written
+\ after every line that changed the flash.
+variable sim-flash-base
+variable sim-flash-size    \ 0: no flash
+variable sim-flash-mem     \ what the board reads and writes
+variable sim-flash-kept    \ what the file holds
+variable sim-flash-fid
+
+: flash? ( addr -- flag )  sim-flash-base @ - sim-flash-size @ u< ;
+
+: flash-open ( -- )
+    flash-board 0= IF EXIT THEN
+    s" KVR_FLASH_BASE" env-number sim-flash-base !
+    s" KVR_FLASH_SIZE" env-number sim-flash-size !
+    sim-flash-size @ allocate throw sim-flash-mem !
+    sim-flash-size @ allocate throw sim-flash-kept !
+    sim-flash-mem @ sim-flash-size @ $FF fill
+    s" KVR_FLASH_FILE" getenv r/w bin open-file throw sim-flash-fid !
+    sim-flash-mem @ sim-flash-size @ sim-flash-fid @ read-file throw drop
+    sim-flash-mem @ sim-flash-kept @ sim-flash-size @ move ;
+
+: flash-sync ( -- )
+    sim-flash-size @ 0= IF EXIT THEN
+    sim-flash-mem @ sim-flash-size @ sim-flash-kept @ over compare 0= IF EXIT THEN
+    0. sim-flash-fid @ reposition-file drop
+    sim-flash-mem @ sim-flash-size @ sim-flash-fid @ write-file drop
+    sim-flash-fid @ flush-file drop
+    sim-flash-mem @ sim-flash-kept @ sim-flash-size @ move ;
 
 : >real ( addr -- addr' )
-    dup $10000 u< IF
-        dup board-start @ u< IF low-ram + ELSE board-start @ - host/board * dict-base @ + THEN
-    THEN ;
+    dup $10000 u< 0= IF EXIT THEN
+    dup flash? IF sim-flash-base @ - sim-flash-mem @ + EXIT THEN
+    dup board-start @ dict-end @ within IF board-start @ - host/board * dict-base @ + EXIT THEN
+    low-ram + ;
 
 : >board ( addr -- addr' )
     dup dict-base @ - dup board-room host/board * u< IF
         nip host/board / board-start @ + EXIT THEN drop
-    dup low-ram - dup board-start @ u< IF nip EXIT THEN drop ;
+    dup low-ram - dup $10000 u< IF nip EXIT THEN drop ;
 
-\ The board's dictionary ends below $10000 (checked once the board is up).
+\ The board's dictionary ends below its end address (checked once the
+\ board is up).
 : ?room ( u -- )
     dict-base @ 0= IF drop EXIT THEN
     here + dict-base @ - host/board / board-room u> IF -8 throw THEN ;

@@ -2,6 +2,8 @@
 #include "app/CommandLineHelp.h"
 #include "cli/BoardOptions.h"
 #include "cli/CompileCommand.h"
+#include "cli/ReflashCommand.h"
+#include "cli/UploadCommand.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <cstdio>
@@ -19,6 +21,8 @@ const QList<Command> &Commands()
 {
     static const QList<Command> commands = {
         {"compile", "compile FILE on the board (kvr compile --help)", kvr::RunCompileCommand},
+        {"upload", "upload board memory into a PROM image (kvr upload --help)", kvr::RunUploadCommand},
+        {"reflash", "re-program a KVR4410F's flash (kvr reflash --help)", kvr::RunReflashCommand},
     };
     return commands;
 }
@@ -35,7 +39,8 @@ QString Help(const QCommandLineParser &parser)
         "by kvr. An intercharacter delay still \"-1\" there (a fresh folder) is measured\n"
         "for the run, as kvr-pc measures it at its first start.\n"
         "\n"
-        "Exit status: 0 finished, 1 stopped on a fault in the report, 2 board not\n"
+        "Exit status: 0 finished (upload: image checked; reflash: verified by the\n"
+        "board), 1 stopped on a fault named in the report or on stderr, 2 board not\n"
         "responding or link failure, 3 bad usage, 4 halted.\n");
     return text;
 }

@@ -42,6 +42,12 @@ void Link::SendText(const QString &text, bool addCR)
         m_transport->Write(QByteArray(1, '\r'));
 }
 
+void Link::SendRaw(const QByteArray &bytes)
+{
+    if (Usable() && !bytes.isEmpty())
+        m_transport->Write(bytes);
+}
+
 int Link::BytesAvailable()
 {
     return m_transport ? m_transport->Available() : 0;

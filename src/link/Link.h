@@ -15,6 +15,9 @@ public:
     Transport *CurrentTransport() const { return m_transport; }
 
     void SendText(const QString &text, bool addCR);
+    // Bytes as they stand, without the intercharacter delay: for data whose
+    // pace the caller keeps itself (a flash image).
+    void SendRaw(const QByteArray &bytes);
     int BytesAvailable();
     QByteArray ReadBytes();
     static QString BytesToText(const QByteArray &bytes);

@@ -12,6 +12,7 @@
 #include "link/StartupCommands.h"
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
+#include "prom/ui/PromWindows.h"
 #include <QMdiArea>
 #include <algorithm>
 #include <QMdiSubWindow>
@@ -60,6 +61,7 @@ MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLi
     InstallTerminal();
     InstallEditors();
     InstallCompiler();
+    InstallProm();
     connect(&m_frame, &frmMDI::PortRequested, this, &MainAssembly::SwitchPort);
 }
 
@@ -154,6 +156,19 @@ void MainAssembly::InstallCompiler()
         if (m_context.busyState == BusyState::Compiling)
             m_compiler->Driver().HaltCompile();
     });
+}
+
+void MainAssembly::InstallProm()
+{
+    m_prom = new PromWindows(m_context, *m_link, m_compiler->Driver(), m_compiler->Report(), &m_terminal->Logic(),
+                             &m_frame, this);
+    connect(m_frame.Item(QStringLiteral("mnuPUp")), &QAction::triggered, m_prom, &PromWindows::ShowUpload);
+    connect(m_frame.Item(QStringLiteral("mnuPFlash")), &QAction::triggered, m_prom, &PromWindows::ShowReflash);
+    connect(m_prom, &PromWindows::HelpRequested, this, [this] {
+        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
+            help->trigger();
+    });
+    connect(&m_frame, &frmMDI::Closing, m_prom, &PromWindows::StopAll);
 }
 
 void MainAssembly::OpenFirstEditorWindow()

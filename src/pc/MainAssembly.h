@@ -15,6 +15,7 @@ class frmEmulator;
 class EditorHost;
 class EditorWindows;
 class HelpWindows;
+class PromWindows;
 
 class MainAssembly : public QObject {
     Q_OBJECT
@@ -40,6 +41,7 @@ private:
     void InstallEditors();
     void InstallTerminal();
     void InstallCompiler();
+    void InstallProm();
     void OpenFirstEditorWindow();
     void PlaceTerminal();
     void ShowOpeningDialogue();
@@ -57,6 +59,7 @@ private:
     EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
     HelpWindows *m_help = nullptr;
+    PromWindows *m_prom = nullptr;
     bool m_ending = false;
 };
 

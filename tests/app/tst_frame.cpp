@@ -148,7 +148,8 @@ private slots:
         f.context.settings.computerType = QStringLiteral("Terminal");
         f.context.WriteSettings();
         QVERIFY(!f.frame.Item(QStringLiteral("mnuZap"))->isEnabled());
-        QVERIFY(!f.frame.Item(QStringLiteral("mnuPUp"))->isEnabled());
+        QVERIFY(!f.frame.Item(QStringLiteral("mnuPFlash"))->isEnabled());
+        QVERIFY(f.frame.Item(QStringLiteral("mnuPUp"))->isEnabled());
         QVERIFY(f.frame.Item(QStringLiteral("mnuFOpen"))->isEnabled());
     }
 

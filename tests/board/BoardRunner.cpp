@@ -45,6 +45,17 @@ bool BoardRunner::Start(const QStringList &args)
     return true;
 }
 
+QString BoardRunner::NextLine(int timeoutMs)
+{
+    QDeadlineTimer deadline(timeoutMs);
+    while (!m_process.canReadLine()) {
+        if (deadline.hasExpired() || m_process.state() == QProcess::NotRunning)
+            return QString();
+        m_process.waitForReadyRead(static_cast<int>(qMax<qint64>(1, deadline.remainingTime())));
+    }
+    return QString::fromLocal8Bit(m_process.readLine()).trimmed();
+}
+
 int BoardRunner::RunToEnd(const QStringList &args, int timeoutMs)
 {
     m_process.setArguments(args);

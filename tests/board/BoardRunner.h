@@ -25,6 +25,8 @@ public:
 
     void SetEnvironment(const QProcessEnvironment &env) { m_process.setProcessEnvironment(env); }
     QString ReadyLine() const { return m_readyLine; }
+    // The next line it prints after the ready line; empty when none comes.
+    QString NextLine(int timeoutMs = 5000);
     quint16 Port() const;
     QString PtyPath() const;
     // The heartbeat port it reported on stderr, 0 when none.

@@ -86,9 +86,10 @@ void frmMDI::UpdateCaption()
 
 void frmMDI::UpdateMenuState()
 {
-    // A plain terminal has no Forth dictionary to upload, re-flash or zap.
+    // A plain terminal has no Forth dictionary to re-flash or zap; the
+    // upload item stays, to tell the user why there is nothing to upload.
     const bool development = m_context.settings.computerType != QLatin1String("Terminal");
-    for (const char *name : {"mnuPUp", "mnuPDown", "mnuPFlash", "mnuZap"})
+    for (const char *name : {"mnuPDown", "mnuPFlash", "mnuZap"})
         if (QAction *a = Item(QString::fromLatin1(name)))
             a->setEnabled(development);
     if (QAction *flash = Item(QStringLiteral("mnuPFlash")))
