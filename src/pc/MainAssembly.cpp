@@ -13,6 +13,7 @@
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
 #include "prom/ui/PromWindows.h"
+#include "prom/ui/frmPROMDown.h"
 #include <QMdiArea>
 #include <algorithm>
 #include <QMdiSubWindow>
@@ -164,9 +165,10 @@ void MainAssembly::InstallProm()
                              &m_frame, this);
     connect(m_frame.Item(QStringLiteral("mnuPUp")), &QAction::triggered, m_prom, &PromWindows::ShowUpload);
     connect(m_frame.Item(QStringLiteral("mnuPFlash")), &QAction::triggered, m_prom, &PromWindows::ShowReflash);
-    connect(m_prom, &PromWindows::HelpRequested, this, [this] {
-        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
-            help->trigger();
+    connect(m_prom, &PromWindows::HelpRequested, m_help, &HelpWindows::ShowTopic);
+    connect(m_frame.Item(QStringLiteral("mnuPDown")), &QAction::triggered, this, [this] {
+        frmPROMDown dialog(m_context, &m_frame);
+        dialog.exec();
     });
     connect(&m_frame, &frmMDI::Closing, m_prom, &PromWindows::StopAll);
 }

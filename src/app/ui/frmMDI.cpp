@@ -141,7 +141,6 @@ void frmMDI::ConnectOptionItems()
     connect(Menu(QStringLiteral("mnuWindow")), &QMenu::aboutToShow, this, &frmMDI::UpdateWindowList);
     const QList<QPair<const char *, QString>> absent = {
         {"mnuMWords", QStringLiteral("The Forth words list")},
-        {"mnuPDown", QStringLiteral("Download to a PROM programmer")},
     };
     for (const auto &[name, what] : absent)
         connect(Item(QString::fromLatin1(name)), &QAction::triggered, this,
