@@ -10,6 +10,16 @@ namespace {
 const QString Parameters = QStringLiteral("Parameters");
 const QString Colors = QStringLiteral("Colors");
 const QString SerialDevices = QStringLiteral("Serial devices");
+const QString Tools = QStringLiteral("Tools");
+
+const QPair<const char *, QString Settings::*> ToolKeys[] = {
+    {"Programmer command", &Settings::programmerCommand},
+    {"Programmer device", &Settings::programmerDevice},
+    {"Terminal command", &Settings::terminalCommand},
+    {"Website", &Settings::websiteAddress},
+    {"Resources", &Settings::resourcesAddress},
+    {"Prices", &Settings::pricesAddress},
+};
 
 struct ParameterKey {
     const char *readKey;
@@ -165,6 +175,8 @@ void ReadSettings(Settings &settings, const QString &iniPath, const QString &win
         if (!device.isEmpty())
             settings.serialDevices.insert(key.toUpper(), device);
     }
+    for (const auto &[key, member] : ToolKeys)
+        settings.*member = ini.Value(Tools, QString::fromLatin1(key), QString()).trimmed();
 }
 
 bool WriteSettings(const Settings &settings, const QString &iniPath)
@@ -183,6 +195,10 @@ bool WriteSettings(const Settings &settings, const QString &iniPath)
     ini.OrderKeys(Colors, QStringList(keys.begin(), keys.end()));
     for (auto it = settings.serialDevices.begin(); it != settings.serialDevices.end(); ++it)
         ini.SetValue(SerialDevices, it.key(), it.value());
+    // Only what was set: a file without tools gains no empty section.
+    for (const auto &[key, member] : ToolKeys)
+        if (!(settings.*member).isEmpty() || ini.Has(Tools, QString::fromLatin1(key)))
+            ini.SetValue(Tools, QString::fromLatin1(key), settings.*member);
     ini.MoveSectionTo(Parameters, 0);
     ini.MoveSectionTo(Colors, 1);
     return ini.Save(iniPath);

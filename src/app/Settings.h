@@ -43,6 +43,13 @@ struct Settings {
     std::array<QString, 18> colors{};
     // COMn -> device path.
     QMap<QString, QString> serialDevices;
+    // Section Tools: outside programs and web addresses, empty when not set.
+    QString programmerCommand;
+    QString programmerDevice;
+    QString terminalCommand;
+    QString websiteAddress;
+    QString resourcesAddress;
+    QString pricesAddress;
 
     Settings();
 

@@ -8,11 +8,13 @@
 #include "compiler/ui/UnravelMenu.h"
 #include "editor/EditorPool.h"
 #include "editor/ui/EditorWindows.h"
+#include "help/ui/HelpWindows.h"
 #include "link/Link.h"
 #include "link/StartupCommands.h"
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
 #include "prom/ui/PromWindows.h"
+#include "prom/ui/frmPROMDown.h"
 #include "words/DatabaseBuilder.h"
 #include "words/ui/WordsWindows.h"
 #include <QMdiArea>
@@ -58,6 +60,8 @@ MainAssembly::MainAssembly(AppContext &context, frmMDI &frame, const PcCommandLi
     : QObject(&frame), m_context(context), m_frame(frame), m_commandLine(commandLine),
       m_link(std::make_unique<Link>(context))
 {
+    m_help = new HelpWindows(context, &frame, this);
+    m_help->ConnectFrame(frame);
     InstallTerminal();
     InstallEditors();
     InstallCompiler();
@@ -79,10 +83,7 @@ void MainAssembly::InstallEditors()
     connect(&pool, &EditorPool::ExitRequested, &m_frame, &QWidget::close);
     connect(m_frame.Item(QStringLiteral("mnuFExtEditor")), &QAction::triggered, &pool,
             &EditorPool::StartExternalEditor);
-    connect(&pool, &EditorPool::HelpRequested, this, [this] {
-        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
-            help->trigger();
-    });
+    connect(&pool, &EditorPool::HelpRequested, m_help, &HelpWindows::ShowTopic);
     // Exit asks about every changed editor window; Cancel abandons it.
     m_frame.SetCloseGuard([&pool] { return pool.CloseAll(); });
 }
@@ -118,10 +119,8 @@ void MainAssembly::InstallTerminal()
         frmRemote dialog(m_context, m_terminal->Controller(), &m_frame);
         dialog.exec();
     });
-    connect(&terminal, &Terminal::HelpRequested, this, [this] {
-        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
-            help->trigger();
-    });
+    connect(&terminal, &Terminal::HelpRequested, this,
+            [this] { m_help->ShowTopic(QStringLiteral("interactivewindow")); });
     connect(&terminal, &Terminal::FocusEditorRequested, this, [this] {
         const QList<QMdiSubWindow *> windows = m_frame.MdiArea()->subWindowList(QMdiArea::ActivationHistoryOrder);
         for (auto it = windows.rbegin(); it != windows.rend(); ++it)
@@ -137,10 +136,7 @@ void MainAssembly::InstallCompiler()
 {
     m_compiler = new CompilerWindows(m_context, *m_link, &m_terminal->Logic(), &m_editors->Pool(), m_frame.MdiArea(),
                                       this);
-    connect(m_compiler, &CompilerWindows::HelpRequested, this, [this] {
-        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
-            help->trigger();
-    });
+    connect(m_compiler, &CompilerWindows::HelpRequested, m_help, &HelpWindows::ShowTopic);
     connect(m_compiler, &CompilerWindows::FrameCommand, this, [this](const QString &name) {
         if (QAction *item = m_frame.Item(name))
             item->trigger();
@@ -173,9 +169,10 @@ void MainAssembly::InstallProm()
                              &m_frame, this);
     connect(m_frame.Item(QStringLiteral("mnuPUp")), &QAction::triggered, m_prom, &PromWindows::ShowUpload);
     connect(m_frame.Item(QStringLiteral("mnuPFlash")), &QAction::triggered, m_prom, &PromWindows::ShowReflash);
-    connect(m_prom, &PromWindows::HelpRequested, this, [this] {
-        if (QAction *help = m_frame.Item(QStringLiteral("mnuOnScreen")))
-            help->trigger();
+    connect(m_prom, &PromWindows::HelpRequested, m_help, &HelpWindows::ShowTopic);
+    connect(m_frame.Item(QStringLiteral("mnuPDown")), &QAction::triggered, this, [this] {
+        frmPROMDown dialog(m_context, &m_frame);
+        dialog.exec();
     });
     connect(&m_frame, &frmMDI::Closing, m_prom, &PromWindows::StopAll);
 }

@@ -14,6 +14,7 @@ class frmMDI;
 class frmEmulator;
 class EditorHost;
 class EditorWindows;
+class HelpWindows;
 class PromWindows;
 class UnravelMenu;
 class WordsWindows;
@@ -30,6 +31,7 @@ public:
     Link &BoardLink() { return *m_link; }
     // The terminal window (its logic is the compiler's TerminalHost).
     frmEmulator &TerminalWindow() { return *m_terminal; }
+    HelpWindows &Help() { return *m_help; }
     // The pool of editor windows, as the compiler drives it.
     EditorHost &Editors();
     // The desktop session or a signal ends the program: no question can be
@@ -59,6 +61,7 @@ private:
     frmEmulator *m_terminal = nullptr;
     EditorWindows *m_editors = nullptr;
     CompilerWindows *m_compiler = nullptr;
+    HelpWindows *m_help = nullptr;
     PromWindows *m_prom = nullptr;
     WordsWindows *m_words = nullptr;
     UnravelMenu *m_unravel = nullptr;

@@ -14,8 +14,6 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QProcess>
-#include <QStandardPaths>
 
 namespace kvr {
 
@@ -133,7 +131,6 @@ void frmMDI::ConnectOptionItems()
     connect(Item(QStringLiteral("mnuOCText")), &QAction::triggered, this, [this] { ChooseTerminalColor(true); });
     connect(Item(QStringLiteral("mnuOFont")), &QAction::triggered, this, &frmMDI::ChooseFont);
     connect(Item(QStringLiteral("mnuFExit")), &QAction::triggered, this, &QWidget::close);
-    connect(Item(QStringLiteral("mnuFShell")), &QAction::triggered, this, &frmMDI::StartShell);
     connect(Item(QStringLiteral("mnuWCascade")), &QAction::triggered, m_mdi, &QMdiArea::cascadeSubWindows);
     connect(Item(QStringLiteral("mnuWHorizontal")), &QAction::triggered, this,
             [this] { ArrangeTiles(Qt::Horizontal); });
@@ -142,18 +139,8 @@ void frmMDI::ConnectOptionItems()
     connect(Item(QStringLiteral("mnuWArrange")), &QAction::triggered, m_mdi, &QMdiArea::tileSubWindows);
     connect(Item(QStringLiteral("mnuWTerminal")), &QAction::triggered, this, &frmMDI::TerminalRequested);
     connect(Menu(QStringLiteral("mnuWindow")), &QMenu::aboutToShow, this, &frmMDI::UpdateWindowList);
-    connect(Item(QStringLiteral("mnuAbout")), &QAction::triggered, this, &frmMDI::ShowAbout);
     const QList<QPair<const char *, QString>> absent = {
-        {"mnuMkvr4410", QStringLiteral("The KVR4410F manual")},
-        {"mnuMkvr6630", QStringLiteral("The KVR6630 manual")},
-        {"mnuMReadme", QStringLiteral("The latest information")},
-        {"mnuMUpdates", QStringLiteral("The ROM updates page")},
         {"mnuMWords", QStringLiteral("The Forth words list")},
-        {"mnuOnScreen", QStringLiteral("The development system help")},
-        {"mnuWebsiteL", QStringLiteral("The KVR website")},
-        {"mnuWebsiteR", QStringLiteral("The KVR resources page")},
-        {"mnuPrices", QStringLiteral("The price list")},
-        {"mnuPDown", QStringLiteral("Download to a PROM programmer")},
     };
     for (const auto &[name, what] : absent)
         connect(Item(QString::fromLatin1(name)), &QAction::triggered, this,
@@ -209,21 +196,6 @@ void frmMDI::ShowComputerDialog()
     emit ComputerChanged();
     UpdateCaption();
     UpdateMenuState();
-}
-
-void frmMDI::StartShell()
-{
-    const QString terminal = QStandardPaths::findExecutable(QStringLiteral("x-terminal-emulator"));
-    if (terminal.isEmpty() || !QProcess::startDetached(terminal, {}))
-        m_context.prompts.Message(QStringLiteral("No terminal program is installed."), PromptIcon::Exclamation);
-}
-
-void frmMDI::ShowAbout()
-{
-    m_context.prompts.Message(AppTitle + QStringLiteral(" version ") + QStringLiteral(KVR_VERSION)
-                                  + QStringLiteral("\n\nDevelopment environment for the KVR4410, "
-                                                   "KVR4410F and KVR6630 Forth computers."),
-                              PromptIcon::Information);
 }
 
 void frmMDI::ShowNotInstalled(const QString &what)

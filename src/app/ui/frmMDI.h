@@ -64,8 +64,6 @@ private:
     void ChooseFont();
     void ShowDelayDialog();
     void ShowComputerDialog();
-    void StartShell();
-    void ShowAbout();
     void ShowNotInstalled(const QString &what);
     void ArrangeTiles(Qt::Orientation orientation);
 

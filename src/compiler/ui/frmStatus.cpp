@@ -9,6 +9,7 @@
 #include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QPainter>
+#include "app/ui/PagePrinter.h"
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QScrollBar>
@@ -217,52 +218,17 @@ bool frmStatus::PrintReport(QPrinter &printer)
 {
     if (ReportEmpty())
         return false;
-    QApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
-    QPainter painter;
-    if (!painter.begin(&printer)) {
-        QApplication::restoreOverrideCursor();
-        m_context.prompts.Message(QStringLiteral("Error: the printer could not be started."), PromptIcon::Exclamation);
-        return false;
-    }
-    QFont body(QStringLiteral("Courier New"), 10);
-    body.setStyleHint(QFont::TypeWriter);
-    QFont bold = body;
-    bold.setBold(true);
-    painter.setFont(body);
-    const int lineHeight = painter.fontMetrics().lineSpacing();
-    const QRect page = painter.viewport();
-    // A continuation page holds its heading, two empty lines and
-    // (lines per page - 2) report lines.
-    const int linesPerPage = std::max(4, page.height() / lineHeight - 1);
-    const QString heading = QStringLiteral("Compilation report  ")
-                            + QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
-    int y = 0;
-    auto newLine = [&] { y += lineHeight; };
-    auto printHeading = [&](int emptyLines) {
-        painter.setFont(bold);
-        painter.drawText(0, y + painter.fontMetrics().ascent(), heading);
-        painter.setFont(body);
-        newLine();
-        for (int i = 0; i < emptyLines; ++i)
-            newLine();
-    };
-    printHeading(1);
-    int onPage = 0;
-    for (const QString &line : m_report.Lines()) {
-        if (onPage == linesPerPage - 2) {
-            printer.newPage();
-            y = 0;
-            onPage = 0;
-            printHeading(2);
-        }
-        painter.drawText(0, y + painter.fontMetrics().ascent(), line);
-        newLine();
-        ++onPage;
-        QCoreApplication::processEvents();
-    }
-    painter.end();
-    QApplication::restoreOverrideCursor();
-    return true;
+    PrintJob job;
+    job.title = QStringLiteral("Compilation report  ")
+                + QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
+    job.text = m_report.Lines().join(QLatin1Char('\n'));
+    job.font = QFont(QStringLiteral("Courier New"), 10);
+    job.font.setStyleHint(QFont::TypeWriter);
+    job.nextGap = 2;
+    if (PrintPages(printer, job))
+        return true;
+    m_context.prompts.Message(QStringLiteral("Error: the printer could not be started."), PromptIcon::Exclamation);
+    return false;
 }
 
 } // namespace kvr

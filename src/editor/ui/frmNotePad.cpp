@@ -1,4 +1,5 @@
 #include "editor/ui/frmNotePad.h"
+#include "app/ui/PagePrinter.h"
 #include "editor/EditorPool.h"
 #include "editor/RecentFiles.h"
 #include "editor/ui/ForthHighlighter.h"
@@ -19,6 +20,8 @@
 #include <QStatusBar>
 #include <QTextBlock>
 #include <QVBoxLayout>
+#include <QDateTime>
+#include <QLocale>
 
 namespace kvr {
 
@@ -119,6 +122,14 @@ void frmNotePad::BuildMenus()
             [this] { Close(); });
     connect(AddAction(file, QStringLiteral("mnuFExtEditor"), tr("&External editor")),
             &QAction::triggered, &m_pool, &EditorPool::StartExternalEditor);
+    file->addSeparator();
+    connect(AddAction(file, QStringLiteral("mnuFPrint"), tr("&Print..."), QKeySequence::Print),
+            &QAction::triggered, this, [this] {
+                PrintWithDialog(MakePrintJob(), m_pool.Context().prompts,
+                                m_pool.Context().paths.ProgramFolder() + QStringLiteral("SOURCE.PDF"), this);
+            });
+    connect(AddAction(file, QStringLiteral("mnuFPrintPreview"), tr("Print pre&view...")), &QAction::triggered,
+            this, [this] { PreviewPrint(MakePrintJob(), this); });
     file->addSeparator();
     connect(AddAction(file, QStringLiteral("mnuFInsert"), tr("&Insert file...")),
             &QAction::triggered, this, [this] { m_pool.InsertFile(m_index); });
@@ -476,6 +487,25 @@ void frmNotePad::UpdateStatus()
 {
     const QTextCursor cursor = m_text->textCursor();
     m_status->setText(tr("Line %1, Col %2").arg(cursor.blockNumber() + 1).arg(cursor.positionInBlock() + 1));
+}
+
+} // namespace kvr
+
+namespace kvr {
+
+PrintJob frmNotePad::MakePrintJob() const
+{
+    PrintJob job;
+    job.title = m_caption + QStringLiteral("  ")
+                + QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat);
+    job.text = Text();
+    job.font = m_text->font();
+    return job;
+}
+
+bool frmNotePad::PrintTo(QPrinter &printer) const
+{
+    return PrintPages(printer, MakePrintJob());
 }
 
 } // namespace kvr

@@ -11,10 +11,12 @@ class QFrame;
 class QLabel;
 class QListWidget;
 class QMenu;
+class QPrinter;
 class QPushButton;
 
 namespace kvr {
 
+struct PrintJob;
 class EditorPool;
 class ForthHighlighter;
 class SourceEdit;
@@ -45,6 +47,10 @@ public:
 
     int Index() const { return m_index; }
     SourceEdit *Text1() const { return m_text; }
+    // The text under a heading of file name, date and page number, in the
+    // editor's font; false when the printer could not be started.
+    PrintJob MakePrintJob() const;
+    bool PrintTo(QPrinter &printer) const;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
