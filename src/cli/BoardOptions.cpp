@@ -149,7 +149,8 @@ int UsageError(const QString &command, const QString &problem, const QString &he
 }
 
 std::optional<int> ParseFileCommand(QCommandLineParser &parser, const QCommandLineOption &help, const QString &command,
-                                    const QString &helpText, const QStringList &arguments, QString &file)
+                                    const QString &helpText, const QStringList &arguments, QString &file,
+                                    const QString &what)
 {
     if (!parser.parse(QStringList{command} + arguments))
         return UsageError(command, parser.errorText(), helpText);
@@ -159,9 +160,9 @@ std::optional<int> ParseFileCommand(QCommandLineParser &parser, const QCommandLi
     }
     const QStringList files = parser.positionalArguments();
     if (files.isEmpty())
-        return UsageError(command, QStringLiteral("no FILE given"), helpText);
+        return UsageError(command, QStringLiteral("no %1 given").arg(what), helpText);
     if (files.size() > 1)
-        return UsageError(command, QStringLiteral("only one FILE, got '%1' too").arg(files.at(1)), helpText);
+        return UsageError(command, QStringLiteral("only one %1, got '%2' too").arg(what, files.at(1)), helpText);
     file = files.first();
     return std::nullopt;
 }

@@ -56,6 +56,7 @@ int UsageError(const QString &command, const QString &problem, const QString &he
 // sets `file`; an exit status instead when the run ends here (usage error
 // or --help).
 std::optional<int> ParseFileCommand(QCommandLineParser &parser, const QCommandLineOption &help, const QString &command,
-                                    const QString &helpText, const QStringList &arguments, QString &file);
+                                    const QString &helpText, const QStringList &arguments, QString &file,
+                                    const QString &what = QStringLiteral("FILE"));
 
 } // namespace kvr

@@ -23,12 +23,15 @@ bool BoardSession::Prepare(QString &problem)
     m_report = std::make_unique<CompileReport>(*m_context);
     m_driver = std::make_unique<CompileDriver>(*m_context, *m_link, m_terminal.get(), nullptr, *m_report);
     m_driver->Engine().SetSettingsWriter({}); // the command line leaves KVR-PC.INI alone
-    // The board-side program's compile is told only when something is wrong.
+    return true;
+}
+
+void BoardSession::ReportTroubleOnly()
+{
     QObject::connect(m_report.get(), &CompileReport::LineAdded, [](const QString &text, const ReportEvent &event) {
         if (event.kind != QLatin1String("finished") && event.kind != QLatin1String("not-unique"))
             std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     });
-    return true;
 }
 
 bool BoardSession::Connect(QString &error)
@@ -38,6 +41,12 @@ bool BoardSession::Connect(QString &error)
         return false;
     m_link->SetTransport(m_transport.get());
     return true;
+}
+
+void BoardSession::Disconnect()
+{
+    if (m_transport)
+        m_transport->Close();
 }
 
 } // namespace kvr

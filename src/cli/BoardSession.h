@@ -22,11 +22,17 @@ public:
     bool Prepare(QString &problem);
     // Opens the link; false with `error` set.
     bool Connect(QString &error);
+    void Disconnect();
+    // For commands whose compile is only a step: the report reaches stderr
+    // only when something is wrong.
+    void ReportTroubleOnly();
 
     AppContext &Context() { return *m_context; }
     Link &BoardLink() { return *m_link; }
     CompileDriver &Driver() { return *m_driver; }
     ConsoleTerminal &Terminal() { return *m_terminal; }
+    CompileReport &Report() { return *m_report; }
+    ConsolePrompts &Prompts() { return m_prompts; }
 
 private:
     const QCommandLineParser &m_parser;

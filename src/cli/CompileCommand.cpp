@@ -1,17 +1,12 @@
 #include "cli/CompileCommand.h"
 #include "app/CommandLineHelp.h"
-#include "cli/BoardOptions.h"
-#include "app/AppContext.h"
-#include "app/ConsolePrompts.h"
 #include "app/FilePaths.h"
-#include "app/Text.h"
-#include "cli/ConsoleTerminal.h"
 #include "app/TerminationSignals.h"
+#include "app/Text.h"
+#include "cli/BoardSession.h"
 #include "cli/ContinueRun.h"
 #include "cli/ProgressLine.h"
 #include "compiler/CompileProgress.h"
-#include "compiler/CompileDriver.h"
-#include "link/Link.h"
 #include <QElapsedTimer>
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -123,29 +118,20 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
         bool json;
     } options{file, parser.isSet(command.json)};
 
-    Paths paths(parser.isSet(command.board.settingsDir) ? parser.value(command.board.settingsDir) : settingsDir);
-    paths.Prepare();
-    ConsolePrompts prompts(parser.isSet(command.board.yes));
-    SystemClock clock;
-    AppContext context(paths, prompts, clock);
-    context.ReadSettings();
-    Settings &settings = context.settings;
-    MeasureMissingDelays(settings);
+    BoardSession session(parser, command.board, settingsDir);
     QString problem;
-    if (!command.board.Apply(parser, settings, problem))
+    if (!session.Prepare(problem))
         return UsageError(name, problem, command.Help());
+    AppContext &context = session.Context();
     if (parser.isSet(command.quick))
-        settings.quickCompile = QStringLiteral("ON");
-
-    Link link(context);
-    ConsoleTerminal terminal(link);
-    CompileReport report(context);
-    CompileDriver driver(context, link, &terminal, nullptr, report);
-    driver.Engine().SetSettingsWriter({}); // the command line leaves KVR-PC.INI alone
+        context.settings.quickCompile = QStringLiteral("ON");
+    Link &link = session.BoardLink();
+    CompileReport &report = session.Report();
+    CompileDriver &driver = session.Driver();
     CompileProgress progress(driver, context.clock);
     const ProgressLine progressLine(progress, report, !parser.isSet(command.board.quiet));
 
-    if (settings.computerType == QLatin1String("Terminal")) {
+    if (context.settings.computerType == QLatin1String("Terminal")) {
         driver.TerminalModeMessage();
         return ExitUsage;
     }
@@ -153,13 +139,10 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     // The logical name of the file, as an editor window's caption has it.
     const QString path = QFileInfo(options.file).absoluteFilePath().toUpper();
 
-    QString linkError;
-    const std::unique_ptr<Transport> transport = OpenBoardLink(settings, linkError);
-    if (!transport) {
-        std::fprintf(stderr, "kvr compile: %s\n", qPrintable(linkError));
+    if (!session.Connect(problem)) {
+        std::fprintf(stderr, "kvr compile: %s\n", qPrintable(problem));
         return ExitLink;
     }
-    link.SetTransport(transport.get());
 
     QObject::connect(&report, &CompileReport::LineAdded, [&options](const QString &text, const ReportEvent &event) {
         if (options.json) {
@@ -187,7 +170,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
     QElapsedTimer elapsed;
     elapsed.start();
     if (parser.isSet(command.resume))
-        ContinueFromCommandLine(driver, prompts, path, parser.isSet(command.board.yes));
+        ContinueFromCommandLine(driver, session.Prompts(), path, parser.isSet(command.board.yes));
     else
         driver.CompileFile(path);
     const double seconds = elapsed.nsecsElapsed() / 1e9;
@@ -204,7 +187,7 @@ int RunCompileCommand(const QStringList &arguments, const QString &settingsDir)
                    {QStringLiteral("delay"), link.CurrentDelay()},
                    {QStringLiteral("exit"), status}});
     }
-    transport->Close();
+    session.Disconnect();
     return status;
 }
 

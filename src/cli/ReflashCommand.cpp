@@ -40,17 +40,11 @@ int RunReflashCommand(const QStringList &arguments, const QString &settingsDir)
     ReflashParser command;
     QCommandLineParser &parser = command.parser;
     const QString name = QStringLiteral("kvr reflash");
-    if (!parser.parse(QStringList{name} + arguments))
-        return UsageError(name, parser.errorText(), command.Help());
-    if (parser.isSet(command.board.help)) {
-        std::fputs(qPrintable(command.Help()), stdout);
-        return ExitFinished;
-    }
-    const QStringList files = parser.positionalArguments();
-    if (files.size() != 1)
-        return UsageError(name, files.isEmpty() ? QStringLiteral("no FILE given") : QStringLiteral("one FILE only"),
-                          command.Help());
-    const QString file = QFileInfo(files.first()).absoluteFilePath();
+    QString file;
+    if (const std::optional<int> ended =
+            ParseFileCommand(parser, command.board.help, name, command.Help(), arguments, file))
+        return *ended;
+    file = QFileInfo(file).absoluteFilePath();
     if (!QFileInfo(file).isFile()) {
         std::fprintf(stderr, "%s: cannot read %s\n", qPrintable(name), qPrintable(file));
         return ExitFault;
@@ -60,6 +54,7 @@ int RunReflashCommand(const QStringList &arguments, const QString &settingsDir)
     QString problem;
     if (!session.Prepare(problem))
         return UsageError(name, problem, command.Help());
+    session.ReportTroubleOnly();
     const QString type = session.Context().settings.computerType;
     if (type.left(4) != QLatin1String("4410"))
         return UsageError(name, QStringLiteral("re-flashing is for the KVR4410F; the computer type is %1").arg(type),

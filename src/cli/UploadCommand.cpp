@@ -48,16 +48,10 @@ int RunUploadCommand(const QStringList &arguments, const QString &settingsDir)
     UploadParser command;
     QCommandLineParser &parser = command.parser;
     const QString name = QStringLiteral("kvr upload");
-    if (!parser.parse(QStringList{name} + arguments))
-        return UsageError(name, parser.errorText(), command.Help());
-    if (parser.isSet(command.board.help)) {
-        std::fputs(qPrintable(command.Help()), stdout);
-        return ExitFinished;
-    }
-    const QStringList files = parser.positionalArguments();
-    if (files.size() != 1)
-        return UsageError(name, files.isEmpty() ? QStringLiteral("no OUT file given") : QStringLiteral("one OUT file only"),
-                          command.Help());
+    QString file;
+    if (const std::optional<int> ended =
+            ParseFileCommand(parser, command.board.help, name, command.Help(), arguments, file, QStringLiteral("OUT")))
+        return *ended;
     if (!parser.isSet(command.start) || !parser.isSet(command.end))
         return UsageError(name, QStringLiteral("--start and --end are both needed"), command.Help());
     const QString formatName = parser.value(command.format).toLower();
@@ -65,7 +59,7 @@ int RunUploadCommand(const QStringList &arguments, const QString &settingsDir)
         return UsageError(name, QStringLiteral("--format takes srec or ihex, not '%1'").arg(parser.value(command.format)),
                           command.Help());
     const ImageFormat format = formatName == QLatin1String("ihex") ? ImageFormat::IntelHex : ImageFormat::SRecord;
-    const QString out = QFileInfo(files.first()).absoluteFilePath();
+    const QString out = QFileInfo(file).absoluteFilePath();
     const UploadRequest request = ReadUploadRequest(parser.value(command.start), parser.value(command.end), out, true);
     if (!request.problem.isEmpty())
         return UsageError(name, request.problem, command.Help());
@@ -74,6 +68,7 @@ int RunUploadCommand(const QStringList &arguments, const QString &settingsDir)
     QString problem;
     if (!session.Prepare(problem))
         return UsageError(name, problem, command.Help());
+    session.ReportTroubleOnly();
     if (session.Context().settings.computerType == QLatin1String("Terminal")) {
         session.Driver().TerminalModeMessage();
         return ExitUsage;

@@ -4,6 +4,7 @@
 #include "app/SafeSave.h"
 #include "compiler/RunReplay.h"
 #include "compiler/SearchPaths.h"
+#include "compiler/SourceFiles.h"
 #include "compiler/SourceText.h"
 #include "editor/EditorHost.h"
 #include "link/Link.h"
@@ -334,6 +335,19 @@ void CompileDriver::HaltCompile()
         m_link.SendText(QString(QChar(13)), false);
         m_link.WaitForReply();
     }
+}
+
+QString CompileDriver::FindProgramFile(const QString &name)
+{
+    QString found = name;
+    SourceFiles files;
+    int number = 0;
+    const QString searchList =
+        SearchList(m_state.topLevelFolder, m_context.settings.extraSearchPaths, DefaultSearchPaths(m_context.paths));
+    if (!FindSourceFile(found, number, files, searchList, m_context.prompts))
+        return QString();
+    files.Close(number);
+    return found;
 }
 
 } // namespace kvr

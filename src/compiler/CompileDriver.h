@@ -28,6 +28,9 @@ public:
     void SetEditorHost(EditorHost *editor) { m_editor = editor; }
 
     void CompileFile(const QString &path);
+    // Finds a board-side program along the search list of the current
+    // program; the found name, or empty once the user was told it is missing.
+    QString FindProgramFile(const QString &name);
     // Writes the selection of editor window `index` to SELECTED.KVR in the
     // program folder and compiles that.
     void CompileSelection(int index);

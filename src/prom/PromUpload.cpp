@@ -3,8 +3,6 @@
 #include "app/FilePaths.h"
 #include "app/Text.h"
 #include "compiler/CompileDriver.h"
-#include "compiler/SearchPaths.h"
-#include "compiler/SourceFiles.h"
 #include "link/Link.h"
 #include "link/TerminalHost.h"
 #include "link/WaitGuard.h"
@@ -48,19 +46,6 @@ void PromUpload::AwaitReply()
     }
 }
 
-QString PromUpload::FindBoardProgram(ImageFormat format)
-{
-    QString name = BoardProgramName(format);
-    SourceFiles files;
-    int number = 0;
-    const QString searchList = SearchList(m_driver.State().topLevelFolder, m_context.settings.extraSearchPaths,
-                                          DefaultSearchPaths(m_context.paths));
-    if (!FindSourceFile(name, number, files, searchList, m_context.prompts))
-        return QString();
-    files.Close(number);
-    return name;
-}
-
 UploadOutcome PromUpload::Run(int start, int end, const QString &fileName, ImageFormat format)
 {
     m_stopRequested = false;
@@ -70,7 +55,7 @@ UploadOutcome PromUpload::Run(int start, int end, const QString &fileName, Image
     if (outcome.fileName != fileName)
         emit FileNameChanged(outcome.fileName);
 
-    const QString program = FindBoardProgram(format);
+    const QString program = m_driver.FindProgramFile(BoardProgramName(format));
     if (program.isEmpty()) {
         outcome.end = UploadEnd::ProgramMissing;
         return outcome;

@@ -57,7 +57,6 @@ signals:
 private:
     // Waits up to the time-out for one reply line, shown on the terminal.
     void AwaitReply();
-    QString FindBoardProgram(ImageFormat format);
 
     AppContext &m_context;
     Link &m_link;

@@ -4,7 +4,6 @@
 #include "app/Text.h"
 #include "compiler/CompileDriver.h"
 #include "compiler/SearchPaths.h"
-#include "compiler/SourceFiles.h"
 #include "link/Link.h"
 #include "link/TerminalHost.h"
 #include "link/WaitGuard.h"
@@ -102,19 +101,6 @@ ReflashOutcome Reflasher::Reflash()
     return ReflashFile(path);
 }
 
-QString Reflasher::FindReceiver()
-{
-    QString name = QStringLiteral("#REFLASH.KVR");
-    SourceFiles files;
-    int number = 0;
-    const QString searchList = SearchList(m_driver.State().topLevelFolder, m_context.settings.extraSearchPaths,
-                                          DefaultSearchPaths(m_context.paths));
-    if (!FindSourceFile(name, number, files, searchList, m_context.prompts))
-        return QString();
-    files.Close(number);
-    return name;
-}
-
 bool Reflasher::Stream(const ReflashPayload &payload, ReflashOutcome &outcome)
 {
     const QByteArray bytes = payload.lengthLine + payload.body + payload.sumLine;
@@ -171,7 +157,7 @@ ReflashOutcome Reflasher::ReflashFile(const QString &path)
 {
     m_stopRequested = false;
     ReflashOutcome outcome;
-    QString receiver = FindReceiver();
+    QString receiver = m_driver.FindProgramFile(QStringLiteral("#REFLASH.KVR"));
     if (receiver.isEmpty()) {
         m_context.prompts.Message(QStringLiteral("Cannot find file #Reflash.kvr"), PromptIcon::Exclamation);
         return Ended(ReflashEnd::ReceiverMissing);

@@ -71,7 +71,6 @@ signals:
     void BringForward();
 
 private:
-    QString FindReceiver();
     // Sends every byte at the image pace; false when stopped on the way.
     bool Stream(const ReflashPayload &payload, ReflashOutcome &outcome);
     QString AwaitVerdict();
