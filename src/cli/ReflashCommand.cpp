@@ -76,7 +76,9 @@ int RunReflashCommand(const QStringList &arguments, const QString &settingsDir)
     case ReflashEnd::CompileFailed:
         return session.Driver().State().runEnd == RunEnd::NotResponding ? ExitLink : ExitFault;
     case ReflashEnd::NoVerdict:
-        std::fprintf(stderr, "%s: the board gave no verdict within the time-out\n", qPrintable(name));
+        std::fprintf(stderr, "%s: %s\n", qPrintable(name),
+                     session.BoardLink().Usable() ? "the board gave no verdict within the time-out"
+                                                  : "the link to the board was lost before its verdict");
         return ExitLink;
     case ReflashEnd::NoLink: return ExitLink;
     case ReflashEnd::Halted: return ExitHalted;

@@ -90,6 +90,11 @@ int RunUploadCommand(const QStringList &arguments, const QString &settingsDir)
     case UploadEnd::Halted: return ExitHalted;
     case UploadEnd::Done: break;
     }
+    if (!session.BoardLink().Usable()) {
+        std::fprintf(stderr, "%s: the link to the board was lost; %s keeps what arrived\n", qPrintable(name),
+                     qPrintable(outcome.fileName));
+        return ExitLink;
+    }
     if (outcome.compileEnd == RunEnd::NotResponding || outcome.collect.lines == 0) {
         std::fprintf(stderr, "%s: no records came from the board; %s keeps what arrived\n", qPrintable(name),
                      qPrintable(outcome.fileName));

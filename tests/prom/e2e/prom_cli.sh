@@ -138,6 +138,16 @@ expect_eq "$?" 3 "unknown format"
 kvr reflash "$work/squares.MOT" --type 6630Fig >/dev/null 2>&1
 expect_eq "$?" 3 "reflash on a 6630"
 stop_board
+# A board that goes away mid-upload: the records that came are kept.
+start_board slow --type 4410ANS --baud 9600
+kvr upload "$work/cut" --start 8000 --end C000 >/dev/null 2>"$work/cut.err" &
+upload_pid=$!
+for _ in $(seq 1 300); do [ -s "$work/cut.MOT" ] && break; sleep 0.05; done
+stop_board
+wait "$upload_pid"
+expect_eq "$?" 2 "board gone mid-upload"
+grep -q 'link to the board was lost; .*cut.MOT keeps what arrived' "$work/cut.err" || fail "mid-upload: $(cat "$work/cut.err")"
+[ -s "$work/cut.MOT" ] || fail "records that came before the board went are kept"
 kvr upload "$work/x" --start 3C00 --end 3C10 >/dev/null 2>&1
 expect_eq "$?" 2 "upload without a board"
 kvr reflash "$work/squares.MOT" >/dev/null 2>&1
