@@ -29,6 +29,13 @@ void StreamingBoard::run()
     int one = 1;
     ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
     if (m_mode == Mode::Stream) {
+        // The PC empties its input once the link opens; streaming before it
+        // asks would measure that flush, not the painting.
+        char first;
+        if (::recv(fd, &first, 1, 0) <= 0) {
+            ::close(fd);
+            return;
+        }
         qsizetype sent = 0;
         while (sent < m_payload.size()) {
             const ssize_t n = ::send(fd, m_payload.constData() + sent, m_payload.size() - sent, MSG_NOSIGNAL);

@@ -1,6 +1,7 @@
 #pragma once
 // A stand-in board on its own thread for the benchmarks: either streams a
-// block of text as fast as TCP takes it, or answers each line with " ok".
+// block of text as fast as TCP takes it once the PC sends a first byte, or
+// answers each line with " ok".
 #include <QByteArray>
 #include <QThread>
 #include <atomic>

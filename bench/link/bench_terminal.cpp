@@ -112,6 +112,7 @@ void PaintThroughput()
     });
     int paints = 0;
     QObject::connect(&window.Logic(), &Terminal::ScreenChanged, [&] { ++paints; });
+    s.link.SendText(QStringLiteral("\r"), false);
 
     QElapsedTimer elapsed;
     elapsed.start();
