@@ -4,7 +4,7 @@ namespace kvr::board {
 
 BoardBridge::BoardBridge(BoardFront &front, ForthProcess &forth, int baud, int charTimeUs, LineLog *log,
                          QObject *parent)
-    : QObject(parent), m_front(front), m_forth(forth), m_log(log), m_filter(charTimeUs), m_pacer(baud)
+    : QObject(parent), m_front(front), m_forth(forth), m_log(log), m_filter(charTimeUs, baud), m_pacer(baud)
 {
     m_clock.start();
     connect(&m_front, &BoardFront::Received, this, &BoardBridge::FromPc);

@@ -8,14 +8,23 @@ QByteArray CharacterFilter::Take(const QByteArray &chunk, qint64 nowUs)
 {
     if (m_charTimeUs <= 0)
         return chunk;
-    // The board has emptied one place of the buffer per character time.
-    if (m_started)
-        m_room = std::min<double>(BufferSize, m_room + double(nowUs - m_lastUs) / double(m_charTimeUs));
-    m_started = true;
-    m_lastUs = nowUs;
-    const qsizetype taken = std::min<qsizetype>(chunk.size(), qsizetype(m_room));
-    m_room -= double(taken);
-    return chunk.left(taken);
+    QByteArray taken;
+    const qsizetype count = chunk.size();
+    for (qsizetype i = 0; i < count; ++i) {
+        double arrived = double(nowUs) - double(count - 1 - i) * m_wireUs;
+        if (m_started)
+            arrived = std::max(arrived, m_lastUs + m_wireUs);
+        // The board has emptied one place of the buffer per character time.
+        if (m_started)
+            m_room = std::min<double>(BufferSize, m_room + (arrived - m_lastUs) / double(m_charTimeUs));
+        m_started = true;
+        m_lastUs = arrived;
+        if (m_room >= 1) {
+            m_room -= 1;
+            taken += chunk[i];
+        }
+    }
+    return taken;
 }
 
 OutputPacer::OutputPacer(int baud, QObject *parent) : QObject(parent), m_baud(baud)

@@ -10,21 +10,25 @@ namespace kvr::board {
 // A board that needs charTimeUs to take each character, behind a receive
 // buffer of BufferSize characters as a UART's FIFO: characters arriving
 // while it is full are lost, as on real hardware when the PC's pause
-// between characters is too short. Bytes of one chunk arrive together; the
-// buffer absorbs the bunching that scheduling puts into a well-paced stream,
-// not a PC that sends faster than the board takes.
+// between characters is too short. With a baud rate the wire is modelled
+// too: a character cannot arrive sooner than a character time after the one
+// before, and the characters of a chunk are taken to have arrived as late
+// as the wire allows, so a board process that was not scheduled for a while
+// does not turn a well-paced stream into a burst. Without one, the bytes of
+// a chunk arrive together.
 class CharacterFilter {
 public:
     static constexpr int BufferSize = 16;
 
-    explicit CharacterFilter(qint64 charTimeUs) : m_charTimeUs(charTimeUs) {}
+    CharacterFilter(qint64 charTimeUs, int baud) : m_charTimeUs(charTimeUs), m_wireUs(baud > 0 ? 1e7 / baud : 0) {}
     // The bytes the board takes from a chunk that arrived at nowUs.
     QByteArray Take(const QByteArray &chunk, qint64 nowUs);
 
 private:
     qint64 m_charTimeUs;
+    double m_wireUs;              // one character on the wire, 0 for none
     double m_room = BufferSize;   // characters the buffer can still take
-    qint64 m_lastUs = 0;
+    double m_lastUs = 0;          // when the last character arrived
     bool m_started = false;
 };
 

@@ -9,6 +9,7 @@
 #include "TcpFront.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QSocketNotifier>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -105,7 +106,8 @@ int main(int argc, char *argv[])
         }
         if (!PrepareFlashFile(path, error))
             return Fail(error);
-        forth.SetVariable(QStringLiteral("KVR_FLASH_FILE"), path);
+        // The Forth system runs in a folder of its own.
+        forth.SetVariable(QStringLiteral("KVR_FLASH_FILE"), QFileInfo(path).absoluteFilePath());
         forth.SetVariable(QStringLiteral("KVR_FLASH_BASE"), QString::number(FlashBase));
         forth.SetVariable(QStringLiteral("KVR_FLASH_SIZE"), QString::number(FlashSize));
     }

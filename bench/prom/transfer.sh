@@ -47,7 +47,10 @@ up=$(ratio $((large - small)) $chars)
 echo "PROM upload at $baud baud: $chars record characters in $(((large - small) / 1000000)) ms," \
     "$up x the wire limit (goal <= 1.05)"
 
-# Images of 16 and 4096 bytes.
+# Images of 64 and 28,672 bytes: both longer than 60, so both take the same
+# path through the 61st-byte exchange; the large one long enough on the wire
+# (7.5 s) that the few hundred milliseconds by which compiling the receiver
+# varies do not hide it.
 srec() {
     local count=$1 address=0 line sum i byte
     while [ "$count" -gt 0 ]; do
@@ -64,11 +67,18 @@ srec() {
     done
     printf 'S9030000FC\r\n'
 }
-srec 16 >"$work/small.img.MOT"
-srec 4096 >"$work/large.img.MOT"
-small=$(timed kvr reflash "$work/small.img.MOT")
-large=$(timed kvr reflash "$work/large.img.MOT")
-grep -q "REFLASH OK 4096 BYTES" "$work/out" || { echo "bench_prom: re-flash not verified: $(cat "$work/out")"; exit 1; }
-flash=$(ratio $((large - small)) $((4096 - 16)))
-echo "Re-flash at $baud baud: 4080 image bytes in $(((large - small) / 1000000)) ms, $flash x the wire limit," \
+srec 64 >"$work/small.img.MOT"
+srec 28672 >"$work/large.img.MOT"
+# median FILE: the middle of three timed re-flashes.
+median() {
+    local runs=()
+    for _ in 1 2 3; do runs+=("$(timed kvr reflash "$1")"); done
+    printf '%s\n' "${runs[@]}" | sort -n | sed -n 2p
+}
+small=$(median "$work/small.img.MOT")
+large=$(median "$work/large.img.MOT")
+grep -q "REFLASH OK 28672 BYTES" "$work/out" || { echo "bench_prom: re-flash not verified: $(cat "$work/out")"; exit 1; }
+bytes=$((28672 - 64))
+flash=$(ratio $((large - small)) $bytes)
+echo "Re-flash at $baud baud: $bytes image bytes in $(((large - small) / 1000000)) ms (median of 3), $flash x the wire limit," \
     "verified by the board (goal <= 1.15)"

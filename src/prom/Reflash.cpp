@@ -19,9 +19,9 @@ namespace kvr {
 namespace {
 
 constexpr int SavedPosition = 60; // the 61st byte
-// Measured against kvr-board at 38400 baud losing every byte that comes
-// sooner than a character time after the last: below this margin the
-// link's own jitter brings two bytes too close now and then.
+// A little slower than the wire: the board writes each byte to its flash
+// as it comes, and a late one only wastes time where an early one can be
+// lost.
 constexpr double PaceMargin = 1.08;
 
 // Waits until `clock` reads `due`, sleeping while there is time to spare.

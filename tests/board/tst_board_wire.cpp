@@ -3,6 +3,7 @@
 // starting and stopping.
 #include "BoardRunner.h"
 #include "WireClient.h"
+#include "WireModel.h"
 
 #include <QtTest>
 
@@ -51,6 +52,8 @@ class TestBoardWire : public QObject {
 private slots:
     void charactersArrivingTooFastAreLost_data();
     void charactersArrivingTooFastAreLost();
+    void wireModelTakes_data();
+    void wireModelTakes();
     void baudRatePacesTheReply();
     void logRecordsLinesAsReceived();
     void heartbeatPortIsSilent();
@@ -99,6 +102,39 @@ void TestBoardWire::charactersArrivingTooFastAreLost()
     SendPaced(*wire, "\r", boardTime);
     QCOMPARE(wire->ReadLine(), reply);
     QCOMPARE(ReadFile(log), logged);
+}
+
+void TestBoardWire::wireModelTakes_data()
+{
+    QTest::addColumn<int>("baud");
+    QTest::addColumn<int>("charTimeUs");
+    // Chunks as "count@arrivalUs", in order.
+    QTest::addColumn<QStringList>("chunks");
+    QTest::addColumn<int>("taken");
+    QTest::newRow("burst, no wire: the buffer's worth") << 0 << 1000 << QStringList{"40@0"} << 16;
+    QTest::newRow("board faster than the wire takes any burst") << 38400 << 260 << QStringList{"4000@0"} << 4000;
+    // Half a place freed per character: 31 in a row, then every other one.
+    QTest::newRow("board half the wire's speed") << 10000 << 2000 << QStringList{"40@0"} << 35;
+    QTest::newRow("stream paced at the board's time") << 10000 << 2000
+        << QStringList{"1@0", "1@2000", "1@4000", "1@6000", "1@8000", "1@10000"} << 6;
+    // The board process woke late: the stream was still well paced.
+    QTest::newRow("late chunk of a paced stream") << 38400 << 260 << QStringList{"1@0", "38@10000"} << 39;
+}
+
+void TestBoardWire::wireModelTakes()
+{
+    QFETCH(int, baud);
+    QFETCH(int, charTimeUs);
+    QFETCH(QStringList, chunks);
+    QFETCH(int, taken);
+
+    kvr::board::CharacterFilter filter(charTimeUs, baud);
+    qsizetype total = 0;
+    for (const QString &chunk : chunks) {
+        const QStringList parts = chunk.split(u'@');
+        total += filter.Take(QByteArray(parts[0].toInt(), 'x'), parts[1].toLongLong()).size();
+    }
+    QCOMPARE(total, qsizetype(taken));
 }
 
 void TestBoardWire::baudRatePacesTheReply()
