@@ -27,7 +27,7 @@ struct BoardParser {
     QCommandLineOption link{QStringLiteral("link"),
                             QStringLiteral("Also make PATH a symbolic link to the pseudo-terminal."),
                             QStringLiteral("PATH")};
-    QCommandLineOption baud{QStringLiteral("baud"), QStringLiteral("Send at the pace of an N baud serial line."),
+    QCommandLineOption baud{QStringLiteral("baud"), QStringLiteral("Pace the line both ways as an N baud serial line."),
                             QStringLiteral("N")};
     QCommandLineOption charTime{QStringLiteral("char-time-us"),
                                 QStringLiteral("Take a character every N us behind a 16-character buffer; characters arriving while it is full are lost."),
