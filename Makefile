@@ -4,7 +4,7 @@
 BUILD ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: deps configure build run test bench package clean
+.PHONY: deps configure build run test bench mutants package clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -23,6 +23,11 @@ test: build
 
 bench: build
 	@cmake --build $(BUILD) --target bench
+
+# Puts each fault of tests/support/mutants/mutations.txt into a copy of the
+# tree in turn and says whether the tests catch it.
+mutants: build
+	@python3 tests/support/mutants/run.py $(MUTANTS)
 
 package: build
 	@cd $(BUILD) && cpack -B package
