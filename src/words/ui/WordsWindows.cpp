@@ -144,6 +144,7 @@ bool WordsWindows::ShowDatabase(const QString &word)
     if (m_subWindow)
         m_subWindow->setWindowTitle(m_window->windowTitle());
     BringForward();
+    m_window->FocusList();
     if (!word.isEmpty())
         m_window->SelectWord(word);
     return true;

@@ -223,6 +223,11 @@ void frmWords::SelectWord(const QString &word)
         m_list->setCurrentRow(row);
 }
 
+void frmWords::FocusList()
+{
+    m_list->setFocus();
+}
+
 void frmWords::ShowRecord(int listRow)
 {
     m_usedBy->clear();

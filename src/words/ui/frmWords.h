@@ -38,6 +38,8 @@ public:
 
     // Selects the list entry a seek for `word` finds, the filter cleared.
     void SelectWord(const QString &word);
+    // Keys go to the list (Enter jumps to the selected word's definition).
+    void FocusList();
 
     // cmdPrint: the report through PRINT.TXT in the database's folder.
     void PrintReport();
