@@ -165,6 +165,11 @@ private slots:
         d.window->findChild<QPushButton *>("CmdOK")->click();
         QVERIFY(d.window->parentWidget()->isHidden());
         QVERIFY(!browser.IsOpen());
+        // So does closing its window any other way.
+        QVERIFY(d.words.ShowDatabase());
+        QVERIFY(browser.IsOpen());
+        d.window->parentWidget()->close();
+        QVERIFY(!browser.IsOpen());
     }
 
     void JumpToDefinitionAndUses()

@@ -71,8 +71,10 @@ bool WordsWindows::eventFilter(QObject *watched, QEvent *event)
 {
     // A closed words window leaves no window active: the keys would go to
     // the frame's menu bar instead of the window the user came from.
-    if (watched == m_subWindow && event->type() == QEvent::Hide && !event->spontaneous())
+    if (watched == m_subWindow && event->type() == QEvent::Hide && !event->spontaneous()) {
+        m_window->CloseDatabase();
         ActivatePrevious();
+    }
     return QObject::eventFilter(watched, event);
 }
 

@@ -376,12 +376,21 @@ void frmWords::Ok()
         ShowList(m_browser.DatabasePath());
         return;
     }
-    m_browser.Close();
-    m_list->clear();
+    CloseDatabase();
     if (parentWidget())
         parentWidget()->close();
     else
         close();
+}
+
+void frmWords::CloseDatabase()
+{
+    if (Making())
+        return;
+    if (m_view == View::Report)
+        LeaveReportView();
+    m_browser.Close();
+    m_list->clear();
 }
 
 void frmWords::resizeEvent(QResizeEvent *event)

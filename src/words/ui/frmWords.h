@@ -52,6 +52,8 @@ public:
     // CmdOK: the report view goes back to the list; the list view closes
     // the window and the database.
     void Ok();
+    // The window was closed: the database goes with it.
+    void CloseDatabase();
 
     // The report's date and time; the printer (a dialog, or a PDF file when
     // the system has none).
