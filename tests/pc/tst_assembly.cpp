@@ -6,6 +6,7 @@
 #include "app/StartUp.h"
 #include "app/ui/frmMDI.h"
 #include "pc/MainAssembly.h"
+#include "words/ui/frmWords.h"
 #include <QAction>
 #include <QListWidget>
 #include <QRegularExpression>
@@ -83,6 +84,43 @@ private slots:
         QCOMPARE(context.compileOutcome, CompileOutcome::Running);
         QCOMPARE(prompts.MessageTexts().size(), 1);
         frame.SetCloseGuard({});
+    }
+
+    void frameMenusOpenTheWordsWindow_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::newRow("plain terminal: nothing") << QStringLiteral("Terminal");
+        QTest::newRow("ROM words of the board") << QStringLiteral("6630Fig");
+    }
+    void frameMenusOpenTheWordsWindow()
+    {
+        QFETCH(QString, type);
+        const bool shown = type != QLatin1String("Terminal");
+        QTemporaryDir dir;
+        ScriptedPrompts prompts;
+        SystemClock clock;
+        const Paths paths(dir.filePath(QStringLiteral("settings")));
+        paths.Prepare();
+        AppContext context(paths, prompts, clock);
+        context.settings.computerType = type;
+        frmMDI frame(context);
+        MainAssembly assembly(context, frame, PcCommandLine{});
+        frame.show();
+        frame.Item(QStringLiteral("mnuMWords"))->trigger();
+        auto *words = frame.findChild<frmWords *>();
+        QVERIFY(words);
+        QCOMPARE(words->isVisible(), shown);
+        QCOMPARE(context.settings.wordsDatabase.endsWith(QStringLiteral("W6630Fig.MDB")), shown);
+        if (shown)
+            QCOMPARE(words->findChild<QListWidget *>(QStringLiteral("lstWords"))
+                         ->findItems(QStringLiteral(" DUP        "), Qt::MatchExactly)
+                         .size(),
+                     1);
+        frame.Item(QStringLiteral("mnuDView"))->trigger();
+        int dialogs = 0;
+        for (const RecordedPrompt &box : std::as_const(prompts.shown))
+            dialogs += box.kind == QLatin1String("open") && box.caption == QLatin1String("Choose Forth words database");
+        QCOMPARE(dialogs, shown ? 1 : 0);
     }
 
     void failedSerialPortShowsThePortTheSettingsHold_data()
