@@ -85,12 +85,9 @@ private slots:
         QVERIFY(terminal.KeyPressed(Qt::Key_Space, Qt::ControlModifier, QStringLiteral(" ")));
         QCOMPARE(seen, QStringLiteral("5 SQ"));
         QCOMPARE(f.board.sent, QByteArray("UARE "));
-        // Nothing to add: a beep, nothing sent.
-        f.board.sent.clear();
-        const int beeps = f.prompts.beeps;
-        terminal.KeyPressed(Qt::Key_Space, Qt::ControlModifier, QStringLiteral(" "));
-        QCOMPARE(f.board.sent, QByteArray());
-        QCOMPARE(f.prompts.beeps, beeps + 1);
+        terminal.KeyPressed(Qt::Key_Space, Qt::ControlModifier, QStringLiteral(" ")); // nothing to add: a beep
+        QCOMPARE(f.board.sent, QByteArray("UARE "));
+        QCOMPARE(f.prompts.beeps, 1);
     }
 
     void pasteSendsLinesAndWaitsForEach()

@@ -108,19 +108,17 @@ private slots:
         frame.show();
         frame.Item(QStringLiteral("mnuMWords"))->trigger();
         auto *words = frame.findChild<frmWords *>();
-        QVERIFY(words);
         QCOMPARE(words->isVisible(), shown);
-        QCOMPARE(context.settings.wordsDatabase.endsWith(QStringLiteral("W6630Fig.MDB")), shown);
-        if (shown)
-            QCOMPARE(words->findChild<QListWidget *>(QStringLiteral("lstWords"))
-                         ->findItems(QStringLiteral(" DUP        "), Qt::MatchExactly)
-                         .size(),
-                     1);
+        const QString database = context.settings.wordsDatabase;
+        QCOMPARE(database.endsWith(QStringLiteral("W6630Fig.MDB")), shown);
+        QCOMPARE(words->findChild<QListWidget *>()->findItems(QStringLiteral(" DUP        "), Qt::MatchExactly).size(),
+                 shown ? 1 : 0);
+        // The chooser, cancelled, changes nothing.
         frame.Item(QStringLiteral("mnuDView"))->trigger();
-        int dialogs = 0;
-        for (const RecordedPrompt &box : std::as_const(prompts.shown))
-            dialogs += box.kind == QLatin1String("open") && box.caption == QLatin1String("Choose Forth words database");
-        QCOMPARE(dialogs, shown ? 1 : 0);
+        QCOMPARE(std::count_if(prompts.shown.cbegin(), prompts.shown.cend(),
+                               [](const RecordedPrompt &box) { return box.caption == QLatin1String("Choose Forth words database"); }),
+                 shown ? 1 : 0);
+        QCOMPARE(context.settings.wordsDatabase, database);
     }
 
     void failedSerialPortShowsThePortTheSettingsHold_data()

@@ -1,5 +1,5 @@
-// What the words window shows of a record, the word under the caret, and
-// the terminal's completion, without a window.
+// What the words window shows of a record, and the terminal's completion,
+// without a window.
 #include "words/WordsBrowser.h"
 #include <QtTest>
 
@@ -52,23 +52,6 @@ private slots:
         QTEST(WordsBrowser::ListEntry(record), "entry");
         QTEST(WordsBrowser::FileText(record), "fileText");
         QTEST(WordsBrowser::ReferencesText(record), "referencesText");
-    }
-
-    void WordUnderCaret_data()
-    {
-        QTest::addColumn<int>("position");
-        QTest::addColumn<QString>("word");
-        // ": SQUARE  DUP * ;\r\nSQUARE ."
-        QTest::newRow("inside a word") << 4 << "SQUARE";
-        QTest::newRow("just after a word") << 8 << "SQUARE";
-        QTest::newRow("between blanks") << 9 << "";
-        QTest::newRow("start of the next line") << 19 << "SQUARE";
-        QTest::newRow("beyond the end") << 99 << ".";
-    }
-    void WordUnderCaret()
-    {
-        QFETCH(int, position);
-        QTEST(WordAt(": SQUARE  DUP * ;\r\nSQUARE .", position), "word");
     }
 
     void Completion_data()
