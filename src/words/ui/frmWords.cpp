@@ -289,8 +289,7 @@ void frmWords::PrintReport()
 {
     if (!m_browser.IsOpen())
         return;
-    const QString database = m_browser.DatabasePath();
-    const QString name = database.left(database.lastIndexOf(QLatin1Char('/')) + 1) + QStringLiteral("PRINT.TXT");
+    const QString name = WithTrailingSeparator(QFileInfo(m_browser.DatabasePath()).path()) + QStringLiteral("PRINT.TXT");
     const QString path = ResolvePath(name);
     if (!MayOverwrite(m_context.prompts, name, path) || !WriteReport(path))
         return;

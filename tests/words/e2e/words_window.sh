@@ -70,6 +70,13 @@ crlf "$src/LIB.KVR" <<'SRC'
 : SQUARE  DUP * ;
 SRC
 
+# --- Ctrl+Space in the terminal completes a word of the database
+keys "$FRAME" alt+w i
+type_text "$FRAME" "5 SQUAR"
+keys "$FRAME" ctrl+space Return
+wait_until 10 grep -q "^5 SQUARE \?\$" "$E2E_DIR/board.log" || fail "not completed: $(tail -3 "$E2E_DIR/board.log")"
+keys "$FRAME" Tab
+
 # --- a missing INCLUDE file: the opener says so, the build ends
 printf 'INCLUDE NOWHERE\r\n: AFTER ;\r\n' > "$src/MAIN.KVR"
 keys "$FRAME" alt+d m
