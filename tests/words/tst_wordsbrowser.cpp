@@ -54,6 +54,15 @@ private slots:
         QTEST(WordsBrowser::ReferencesText(record), "referencesText");
     }
 
+    void Layout()
+    {
+        // Rows: the editor font size times 12 plus 3, in tenths of a point.
+        QCOMPARE(ListRowHeight(10, 72), 13);
+        QCOMPARE(ListRowHeight(20, 144), 49);
+        // The report text: from 0.09 to 0.91 of the height, the width less the margins.
+        QCOMPARE(ReportTextGeometry(QSize(1000, 500)), QRect(2, 45, 996, 410));
+    }
+
     void Completion_data()
     {
         QTest::addColumn<QString>("line");

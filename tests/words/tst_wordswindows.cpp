@@ -129,6 +129,7 @@ private slots:
         Desk d;
         QVERIFY(d.words.ShowDatabase());
         QCOMPARE(d.window->windowTitle(), "Database of definitions in " + ShortenPath(d.main));
+        QCOMPARE(d.list->visualItemRect(d.list->item(0)).height(), ListRowHeight(10, d.list->logicalDpiY()));
         // Two words sharing their first 11 characters: two entries, and
         // selecting the second shows the first.
         const QString unused = " LONG-NAMED-" + QString(QChar(31));
@@ -275,7 +276,9 @@ private slots:
         if (lines <= 0)
             return;
         QCOMPARE(d.window->findChild<QLabel *>("lblMaking")->text(), "Report on source file " + ShortenPath(d.main));
-        const QString shown = d.window->findChild<QPlainTextEdit *>("txtWords")->toPlainText();
+        const auto *text = d.window->findChild<QPlainTextEdit *>("txtWords");
+        QCOMPARE(text->geometry(), ReportTextGeometry(d.window->size()));
+        const QString shown = text->toPlainText();
         QVERIFY(shown.size() <= ReportViewCapacity && shown.startsWith(report.first() + "\n"));
         QCOMPARE(shown.endsWith(report.last() + "\n"), lines < 1000);
         d.Click("CmdOK"); // back to the list
