@@ -29,6 +29,14 @@ QList<QStringList> Paginate(const QStringList &lines, int firstCapacity, int nex
     QList<QStringList> pages{QStringList()};
     int capacity = firstCapacity;
     for (const QString &line : lines) {
+        // A form feed on a line of its own ends the page, as on a printer.
+        if (line == QStringView(u"\f")) {
+            if (!pages.last().isEmpty()) {
+                pages << QStringList();
+                capacity = nextCapacity;
+            }
+            continue;
+        }
         if (pages.last().size() == capacity) {
             pages << QStringList();
             capacity = nextCapacity;

@@ -12,7 +12,8 @@ namespace kvr {
 QStringList PrintLines(const QString &text, int columns);
 
 // `lines` split into pages of `firstCapacity` lines, then `nextCapacity`
-// each (both at least 1); an empty list still makes one empty page.
+// each (both at least 1); an empty list still makes one empty page. A line
+// holding only a form feed ends its page and is not printed.
 QList<QStringList> Paginate(const QStringList &lines, int firstCapacity, int nextCapacity);
 
 // "Page 2 of 5".

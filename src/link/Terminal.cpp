@@ -136,6 +136,14 @@ bool Terminal::KeyPressed(int qtKey, Qt::KeyboardModifiers modifiers, const QStr
         SendTyped(m_history.Recall(qtKey == Qt::Key_Up));
         return true;
     }
+    if (qtKey == Qt::Key_Space && control && !otherChord && m_complete) {
+        const QString rest = m_complete(m_history.Current());
+        if (rest.isEmpty())
+            m_link.BeepUnlessQuiet();
+        else
+            SendTyped(rest);
+        return true;
+    }
     if (control && !otherChord) {
         const int code = ControlCode(qtKey);
         if (code >= 0) {

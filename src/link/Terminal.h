@@ -10,6 +10,7 @@
 #include "link/TerminalHost.h"
 #include <QFile>
 #include <QObject>
+#include <functional>
 
 namespace kvr {
 
@@ -52,6 +53,9 @@ public:
     void Paste(const QString &text);
     bool IsPasting() const { return m_pasting; }
     const LineHistory &History() const { return m_history; }
+    // Ctrl+Space sends what `complete` gives for the line being typed (the
+    // rest of its last word); nothing to add beeps.
+    void SetCompleter(std::function<QString(const QString &line)> complete) { m_complete = std::move(complete); }
     // Text of the screen and scroll-back between two positions (line counted
     // from the oldest scroll-back line, column), lines joined with LF.
     QString TextBetween(int fromLine, int fromColumn, int toLine, int toColumn) const;
@@ -130,6 +134,7 @@ private:
     bool m_capsEmulated = false;
     bool m_pasting = false;
     bool m_pasteHalted = false;
+    std::function<QString(const QString &)> m_complete;
 };
 
 } // namespace kvr

@@ -183,6 +183,12 @@ void MainAssembly::InstallWords()
     m_unravel = new UnravelMenu(m_context, m_editors->Pool(), this);
     // Closing the program stops a build before its next line.
     connect(&m_frame, &frmMDI::Closing, &m_words->Builder(), &DatabaseBuilder::Stop);
+    connect(m_frame.Item(QStringLiteral("mnuDView")), &QAction::triggered, m_words, &WordsWindows::ChooseDatabase);
+    connect(m_frame.Item(QStringLiteral("mnuMWords")), &QAction::triggered, m_words, &WordsWindows::BrowseRomWords);
+    // Ctrl+Space in the terminal completes from the current database.
+    m_terminal->Logic().SetCompleter([this, completer = std::make_shared<WordCompleter>()](const QString &line) {
+        return completer->Complete(m_context.settings.wordsDatabase, line);
+    });
 }
 
 void MainAssembly::OpenFirstEditorWindow()

@@ -1,4 +1,5 @@
 #include "words/DatabaseBuilder.h"
+#include "words/WordsBrowser.h"
 #include "app/AppContext.h"
 #include "app/FilePaths.h"
 #include "app/Text.h"
@@ -127,10 +128,7 @@ bool DatabaseBuilder::OpenReport(const QString &sourcePath)
     Prompts &prompts = m_context.prompts;
     const QString reportName = DerivedPath(sourcePath, QStringLiteral(".SUG"));
     const QString reportPath = ResolvePath(reportName);
-    if (QFileInfo::exists(reportPath)
-        && prompts.Message(QStringLiteral("File ") + reportName + QStringLiteral(" already exists. Overwrite?"),
-                           PromptIcon::Exclamation, PromptButtons::OkCancel)
-               != PromptAnswer::Ok)
+    if (!MayOverwrite(prompts, reportName, reportPath))
         return true; // the database is still made, without suggestions
     auto report = std::make_unique<ReportFile>(reportPath);
     if (!report->file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {

@@ -294,11 +294,14 @@ void TestHelp::Pagination_data()
     QTest::addColumn<int>("first");
     QTest::addColumn<int>("next");
     QTest::addColumn<QList<int>>("sizes");
-    QTest::newRow("nothing still one page") << 0 << 5 << 4 << QList<int>{0};
-    QTest::newRow("fills the first page exactly") << 5 << 5 << 4 << QList<int>{5};
-    QTest::newRow("one line over") << 6 << 5 << 4 << QList<int>{5, 1};
-    QTest::newRow("further pages hold their own count") << 14 << 5 << 4 << QList<int>{5, 4, 4, 1};
-    QTest::newRow("capacity below one taken as one") << 2 << 0 << -3 << QList<int>{1, 1};
+    QTest::addColumn<int>("formFeed"); // the line that is a form feed; -1 none
+    QTest::newRow("nothing still one page") << 0 << 5 << 4 << QList<int>{0} << -1;
+    QTest::newRow("fills the first page exactly") << 5 << 5 << 4 << QList<int>{5} << -1;
+    QTest::newRow("one line over") << 6 << 5 << 4 << QList<int>{5, 1} << -1;
+    QTest::newRow("further pages hold their own count") << 14 << 5 << 4 << QList<int>{5, 4, 4, 1} << -1;
+    QTest::newRow("capacity below one taken as one") << 2 << 0 << -3 << QList<int>{1, 1} << -1;
+    QTest::newRow("form feed ends the page") << 9 << 5 << 4 << QList<int>{2, 4, 2} << 2;
+    QTest::newRow("form feed on a full page adds none") << 8 << 5 << 4 << QList<int>{5, 2} << 5;
 }
 
 void TestHelp::Pagination()
@@ -307,9 +310,10 @@ void TestHelp::Pagination()
     QFETCH(int, first);
     QFETCH(int, next);
     QFETCH(QList<int>, sizes);
+    QFETCH(int, formFeed);
     QStringList text;
     for (int i = 0; i < lines; ++i)
-        text << QString::number(i);
+        text << (i == formFeed ? QStringLiteral("\f") : QString::number(i));
     const QList<QStringList> pages = Paginate(text, first, next);
     QList<int> got;
     for (const QStringList &page : pages)

@@ -71,6 +71,25 @@ private slots:
         QCOMPARE(terminal.History().Lines().first(), QStringLiteral("20"));
     }
 
+    void ctrlSpaceCompletesTheWordBeingTyped()
+    {
+        test::LinkFixture f;
+        Terminal terminal(f.context, f.link);
+        QString seen;
+        terminal.SetCompleter([&](const QString &line) {
+            seen = line;
+            return line.endsWith("SQ") ? QStringLiteral("UARE ") : QString();
+        });
+        terminal.KeyTyped(QStringLiteral("5 SQX\b"));
+        f.board.sent.clear();
+        QVERIFY(terminal.KeyPressed(Qt::Key_Space, Qt::ControlModifier, QStringLiteral(" ")));
+        QCOMPARE(seen, QStringLiteral("5 SQ"));
+        QCOMPARE(f.board.sent, QByteArray("UARE "));
+        terminal.KeyPressed(Qt::Key_Space, Qt::ControlModifier, QStringLiteral(" ")); // nothing to add: a beep
+        QCOMPARE(f.board.sent, QByteArray("UARE "));
+        QCOMPARE(f.prompts.beeps, 1);
+    }
+
     void pasteSendsLinesAndWaitsForEach()
     {
         test::LinkFixture f;

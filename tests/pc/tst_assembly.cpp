@@ -6,6 +6,7 @@
 #include "app/StartUp.h"
 #include "app/ui/frmMDI.h"
 #include "pc/MainAssembly.h"
+#include "words/ui/frmWords.h"
 #include <QAction>
 #include <QListWidget>
 #include <QRegularExpression>
@@ -83,6 +84,41 @@ private slots:
         QCOMPARE(context.compileOutcome, CompileOutcome::Running);
         QCOMPARE(prompts.MessageTexts().size(), 1);
         frame.SetCloseGuard({});
+    }
+
+    void frameMenusOpenTheWordsWindow_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::newRow("plain terminal: nothing") << QStringLiteral("Terminal");
+        QTest::newRow("ROM words of the board") << QStringLiteral("6630Fig");
+    }
+    void frameMenusOpenTheWordsWindow()
+    {
+        QFETCH(QString, type);
+        const bool shown = type != QLatin1String("Terminal");
+        QTemporaryDir dir;
+        ScriptedPrompts prompts;
+        SystemClock clock;
+        const Paths paths(dir.filePath(QStringLiteral("settings")));
+        paths.Prepare();
+        AppContext context(paths, prompts, clock);
+        context.settings.computerType = type;
+        frmMDI frame(context);
+        MainAssembly assembly(context, frame, PcCommandLine{});
+        frame.show();
+        frame.Item(QStringLiteral("mnuMWords"))->trigger();
+        auto *words = frame.findChild<frmWords *>();
+        QCOMPARE(words->isVisible(), shown);
+        const QString database = context.settings.wordsDatabase;
+        QCOMPARE(database.endsWith(QStringLiteral("W6630Fig.MDB")), shown);
+        QCOMPARE(words->findChild<QListWidget *>()->findItems(QStringLiteral(" DUP        "), Qt::MatchExactly).size(),
+                 shown ? 1 : 0);
+        // The chooser, cancelled, changes nothing.
+        frame.Item(QStringLiteral("mnuDView"))->trigger();
+        QCOMPARE(std::count_if(prompts.shown.cbegin(), prompts.shown.cend(),
+                               [](const RecordedPrompt &box) { return box.caption == QLatin1String("Choose Forth words database"); }),
+                 shown ? 1 : 0);
+        QCOMPARE(context.settings.wordsDatabase, database);
     }
 
     void failedSerialPortShowsThePortTheSettingsHold_data()

@@ -1,9 +1,13 @@
 #include "words/ui/WordsWindows.h"
+#include "app/AppContext.h"
+#include "app/FilePaths.h"
 #include "editor/EditorHost.h"
+#include "editor/FileFilters.h"
 #include "words/DatabaseBuilder.h"
 #include "words/ui/frmWords.h"
 #include <QAction>
 #include <QEvent>
+#include <QFile>
 #include <QMainWindow>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -16,7 +20,7 @@ WordsWindows::WordsWindows(AppContext &context, EditorHost *editor, QMdiArea *ar
     : QObject(parent), m_context(context), m_editor(editor), m_area(area),
       m_builder(new DatabaseBuilder(context, this))
 {
-    m_window = new frmWords;
+    m_window = new frmWords(context);
     if (m_area) {
         m_subWindow = m_area->addSubWindow(m_window);
         // Closing only hides it: the builder reports to it.
@@ -38,6 +42,7 @@ WordsWindows::WordsWindows(AppContext &context, EditorHost *editor, QMdiArea *ar
             m_subWindow->setWindowTitle(m_window->windowTitle());
     });
     connect(m_window, &frmWords::StopRequested, m_builder, &DatabaseBuilder::Stop);
+    connect(m_window, &frmWords::OpenDefinition, this, &WordsWindows::OpenDefinition);
 }
 
 WordsWindows::~WordsWindows()
@@ -66,8 +71,10 @@ bool WordsWindows::eventFilter(QObject *watched, QEvent *event)
 {
     // A closed words window leaves no window active: the keys would go to
     // the frame's menu bar instead of the window the user came from.
-    if (watched == m_subWindow && event->type() == QEvent::Hide && !event->spontaneous())
+    if (watched == m_subWindow && event->type() == QEvent::Hide && !event->spontaneous()) {
+        m_window->CloseDatabase();
         ActivatePrevious();
+    }
     return QObject::eventFilter(watched, event);
 }
 
@@ -98,6 +105,97 @@ void WordsWindows::Install(int index, QObject *object)
     make->setParent(definitions);
     connect(make, &QAction::triggered, this, [this, index] { MakeDatabase(index); });
     m_makeItems.append(make);
+    QAction *view = definitions->addAction(QStringLiteral("&View database"));
+    view->setObjectName(QStringLiteral("mnuDView"));
+    view->setParent(definitions);
+    connect(view, &QAction::triggered, this, &WordsWindows::ChooseDatabase);
+    // Ctrl+F1 belongs to this window alone: every editor window has one.
+    auto *words = new QAction(window);
+    words->setObjectName(QStringLiteral("actWordAtCaret"));
+    words->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_F1));
+    words->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    window->addAction(words);
+    connect(words, &QAction::triggered, this, [this, index] { ShowWordAtCaret(index); });
+}
+
+bool WordsWindows::TemplateReady()
+{
+    const QString type = m_context.settings.computerType;
+    if (type == QLatin1String("Terminal"))
+        return false;
+    const QString path = DatabaseBuilder::TemplatePath(m_context.paths.ProgramFolder(), type);
+    QFile probe(ResolvePath(path));
+    if (probe.open(QIODevice::ReadOnly))
+        return true;
+    m_context.prompts.Message(QStringLiteral("The Forth words of computer type ") + type
+                                  + QStringLiteral(" are not installed: the file ") + path
+                                  + QStringLiteral(" is missing.") + QChar(10)
+                                  + QStringLiteral("Install KVR-PC again, or choose another computer type "
+                                                   "with Options > KVR computer."),
+                              PromptIcon::Information);
+    return false;
+}
+
+bool WordsWindows::ShowDatabase(const QString &word)
+{
+    const QString database = m_context.settings.wordsDatabase;
+    if (!m_window->ShowList(database)) {
+        m_context.prompts.Message(DatabaseBuilder::FaultyDatabaseMessage(database), PromptIcon::Exclamation);
+        return false;
+    }
+    if (m_subWindow)
+        m_subWindow->setWindowTitle(m_window->windowTitle());
+    BringForward();
+    m_window->FocusList();
+    if (!word.isEmpty())
+        m_window->SelectWord(word);
+    return true;
+}
+
+void WordsWindows::ShowWordAtCaret(int index)
+{
+    if (!m_editor || m_builder->Running() || m_context.settings.computerType == QLatin1String("Terminal"))
+        return;
+    const QString text = m_editor->Text(index);
+    const int start = m_editor->SelStart(index);
+    const int length = m_editor->SelLength(index);
+    // A selection names the word itself; otherwise the caret's word.
+    const QString word = length > 0 ? WordAt(text.mid(start, length).trimmed(), 0) : WordAt(text, start);
+    ShowDatabase(word);
+}
+
+void WordsWindows::BrowseRomWords()
+{
+    if (m_builder->Running() || !TemplateReady())
+        return;
+    m_context.settings.wordsDatabase =
+        DatabaseBuilder::TemplatePath(m_context.paths.ProgramFolder(), m_context.settings.computerType);
+    m_context.WriteSettings();
+    ShowDatabase();
+}
+
+void WordsWindows::ChooseDatabase()
+{
+    if (m_builder->Running() || !TemplateReady())
+        return;
+    const QString chosen = m_context.prompts.OpenFileName(QStringLiteral("Choose Forth words database"),
+                                                          QtFilter(QStringLiteral("Database files (*.mdb)|*.mdb")),
+                                                          ResolvePath(m_context.settings.wordsDatabase));
+    if (chosen.isEmpty())
+        return;
+    m_context.settings.wordsDatabase = LogicalName(chosen);
+    m_context.WriteSettings();
+    ShowDatabase();
+}
+
+void WordsWindows::OpenDefinition(const QString &file, int line)
+{
+    if (!m_editor)
+        return;
+    if (m_editor->ShowLine(file, line))
+        return;
+    m_editor->OpenFile(file);
+    m_editor->ShowLine(file, line);
 }
 
 void WordsWindows::MakeDatabase(int index)

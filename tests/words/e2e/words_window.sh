@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Make database and Unravel INCLUDEs from an editor window of the real
 # program: the database and suggestions report of a program with an INCLUDE
-# file, the build that meets a missing INCLUDE file, and the flat file.
+# file, the words window taking the user from a word to its definition and
+# back, the build that meets a missing INCLUDE file, and the flat file.
 source "${KVR_SOURCE_DIR:?}/tests/e2e/lib.sh"
 
 start_display
@@ -47,6 +48,34 @@ grep -q "^: UNUSED 2DUP + ;" "$src/MAIN.SUG" || fail "no suggestion: $(cat "$src
 grep -q "^SQUARES  *.*MAIN.KVR" "$src/MAIN.SUG" || fail "SQUARES not listed as unreferenced"
 screenshot words-made
 close_words
+
+# --- Ctrl+F1 on SQUARE in MAIN.KVR selects it in the words window; Enter
+# opens LIB.KVR with its definition selected, which typing replaces
+keys "$FRAME" ctrl+Home Down Down $(printf 'Right %.0s' {1..22})   # DO I S|QUARE
+keys "$FRAME" ctrl+F1
+screenshot words-square
+keys "$FRAME" Return
+type_text "$FRAME" '\ gone SQUARES'
+keys "$FRAME" ctrl+s
+wait_until 10 grep -q '^\\ gone SQUARES' "$src/LIB.KVR" || fail "not at SQUARE: $(cat -A "$src/LIB.KVR")"
+# --- back in the words window on SQUARES, and on to its definition
+keys "$FRAME" ctrl+F1
+keys "$FRAME" Return
+type_text "$FRAME" '\ back'
+keys "$FRAME" ctrl+s
+wait_until 10 grep -q '^\\ back' "$src/MAIN.KVR" || fail "not at SQUARES: $(cat -A "$src/MAIN.KVR")"
+sed -n 3p "$src/MAIN.KVR" | grep -q '^\\ back' || fail "wrong line: $(cat -A "$src/MAIN.KVR")"
+screenshot words-jumped
+crlf "$src/LIB.KVR" <<'SRC'
+: SQUARE  DUP * ;
+SRC
+
+# --- Ctrl+Space in the terminal completes a word of the database
+keys "$FRAME" alt+w i
+type_text "$FRAME" "5 SQUAR"
+keys "$FRAME" ctrl+space Return
+wait_until 10 grep -q "^5 SQUARE \?\$" "$E2E_DIR/board.log" || fail "not completed: $(tail -3 "$E2E_DIR/board.log")"
+keys "$FRAME" Tab
 
 # --- a missing INCLUDE file: the opener says so, the build ends
 printf 'INCLUDE NOWHERE\r\n: AFTER ;\r\n' > "$src/MAIN.KVR"
