@@ -84,7 +84,9 @@ def Build(build, jobs, log):
 
 
 def RunTests(build, jobs, tests, log):
-    command = ["ctest", "--test-dir", build, "-j", str(jobs), "--timeout", "300"]
+    # A mutation that loops for ever is caught by the time-out: a unit test
+    # takes seconds, an end-to-end one under a minute.
+    command = ["ctest", "--test-dir", build, "-j", str(jobs), "--timeout", "180" if tests else "60"]
     command += ["-R", tests] if tests else ["-LE", "e2e|install"]
     env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
     result = subprocess.run(command, env=env, capture_output=True, text=True)
@@ -145,8 +147,16 @@ def Main():
             line = f"{m['id']:5} {m['subsystem']:12} {outcome:9} {detail}"
             print(line, flush=True)
             results.append((m, outcome, line))
+            if args.write:  # after each one: a long run cut short keeps what it found
+                Write(args.write, results)
         Build(build, args.jobs, log)  # leave the copy as the tree is
 
+    summary, invalid = Summary(results)
+    print("\n".join(summary))
+    return 1 if invalid else 0
+
+
+def Summary(results):
     totals = collections.defaultdict(collections.Counter)
     for m, outcome, _ in results:
         totals[m["subsystem"]][outcome] += 1
@@ -155,11 +165,12 @@ def Main():
                + (f"  stillborn {c['stillborn']}" if c["stillborn"] else "")
                + (f"  invalid {c['invalid']}" if c["invalid"] else "")
                for name, c in sorted(totals.items(), key=lambda item: (item[0] == "all", item[0]))]
-    print("\n".join(summary))
-    if args.write:
-        with open(args.write, "w") as f:
-            f.write("\n".join(line for _, _, line in results) + "\n\n" + "\n".join(summary) + "\n")
-    return 1 if totals["all"]["invalid"] else 0
+    return summary, totals["all"]["invalid"]
+
+
+def Write(path, results):
+    with open(path, "w") as f:
+        f.write("\n".join(line for _, _, line in results) + "\n\n" + "\n".join(Summary(results)[0]) + "\n")
 
 
 if __name__ == "__main__":
