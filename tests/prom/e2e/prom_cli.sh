@@ -49,8 +49,10 @@ cp "$KVR_SOURCE_DIR"/examples/*.KVR "$work/"
 for type in 4410ANS 4410Fig 4410F 6630Fig; do
     start_board "$type" --type "$type"
     folder=KVR4410
-    programs="PROGMOT PROGINT #REFLASH"
-    [ "$type" = 6630Fig ] && folder=KVR6630 programs="PROGMOT PROGINT"
+    programs="PROGMOT PROGINT"
+    # the re-flash receiver serves the 4410F, which runs ANS Forth
+    [ "$type" = 4410F ] && programs="PROGMOT PROGINT #REFLASH"
+    [ "$type" = 6630Fig ] && folder=KVR6630
     pctype=$type
     [ "$type" = 4410F ] && pctype=4410ANS
     for program in $programs; do
