@@ -1,8 +1,9 @@
 \ fig-FORTH where it differs from the host's ANS Forth. Only loaded on the
 \ fig-FORTH boards; what is not here the host Forth already does as fig does.
-\ Header layout in fig's terms: the link field is the host's name token, the
-\ name field the count that follows it, the code field the execution token
-\ and the parameter field its body.
+\ Header layout in fig's terms: the name field and the link field are both
+\ the host's name token (its first cell links to the word before, as fig's
+\ link field holds the name field of the word before), the code field is the
+\ execution token and the parameter field its body.
 
 \ fig's numbered messages; ERROR n throws -1000 - n unless the board has an
 \ error code of its own for it.
@@ -30,26 +31,27 @@ get-current dialect-words set-current  dialect-words >order
 : '  ( -- pfa )  fig-xt >body  state @ IF postpone literal THEN ; immediate
 : CFA ( pfa -- cfa )  body> ;
 : LFA ( pfa -- lfa )  body> >name ;
-: NFA ( pfa -- nfa )  body> >name cell+ ;
-: PFA ( nfa -- pfa )  cell - name>int >body ;
-: LATEST ( -- nfa )  last @ cell+ ;
-: ID. ( nfa -- )  cell - name>string type space ;
+: NFA ( pfa -- nfa )  body> >name ;
+: PFA ( nfa -- pfa )  name>int >body ;
+: LATEST ( -- nfa )  last @ ;
+: ID. ( nfa -- )  name>string type space ;
 : TRAVERSE ( addr1 n -- addr2 )
     0< IF   \ from the last character back to the count
-        dup BEGIN 1- dup aligned over = over @ lcount-mask and 2 pick + cell+ 1- 3 pick = and UNTIL nip
-    ELSE dup @ lcount-mask and + cell+ 1- THEN ;
+        dup BEGIN 1- dup aligned over = over cell+ @ lcount-mask and 2 pick + 2 cells + 1- 3 pick = and UNTIL nip
+    ELSE dup cell+ @ lcount-mask and + 2 cells + 1- THEN ;
+\ A hidden header links to its word list with the low bit set, as the
+\ host's own does until ; reveals it.
 : SMUDGE ( -- )
-    last @ current @ wordlist-id @ = IF
-        last @ @ current @ wordlist-id !  current @ rehash
-    ELSE reveal THEN ;
+    last @ dup @ 1 and IF drop reveal EXIT THEN
+    dup @ current @ wordlist-id !  current @ 1 or swap !  current @ rehash ;
 
 \ A vocabulary searched from name field nfa on.
 : (FIND) ( addr1 nfa -- pfa b tf | ff )
-    cell - BEGIN dup WHILE
+    BEGIN dup WHILE
         over count 2 pick name>string capscompare 0= IF
             nip dup name>int >body swap cell+ c@ true EXIT THEN
         @ REPEAT nip ;
-: -FIND ( -- pfa b tf | ff )  bl word  context @ wordlist-id @ cell+ (FIND) ;
+: -FIND ( -- pfa b tf | ff )  bl word  context @ wordlist-id @ (FIND) ;
 : COMPILE ( "name" -- )  postpone postpone ; immediate compile-only
 : DLITERAL ( d -- )  state @ IF postpone 2literal THEN ; immediate
 ' ?branch alias 0BRANCH

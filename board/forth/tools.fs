@@ -11,22 +11,24 @@
 
 variable fence   \ FORGET keeps what lies below it
 
+: show-words ( -- )
+    list-cr  context @ wordlist-id @
+    BEGIN ?dup WHILE
+        dup name>string dup 1+ ?list-cr type space  @
+    REPEAT ;
+
 get-current dialect-words \ The board answers for itself, not for the host: no floating point here.
 : ENVIRONMENT? ( c-addr u -- false | i*x true )
     s" CORE" capscompare 0= IF true true ELSE false THEN ;
 
 set-current
 
-: VLIST ( -- )
-    list-cr  context @ wordlist-id @
-    BEGIN ?dup WHILE
-        dup name>string dup 1+ ?list-cr type space  @
-    REPEAT ;
-: WORDS ( -- )  VLIST ;
+: VLIST ( -- )  show-words ;
+: WORDS ( -- )  show-words ;
 
 : .S ( -- )
     ." <" depth 0 .r ." > "
-    depth 0 ?DO depth i - 1- pick dup 7 ?list-cr . LOOP ;
+    depth 0 ?DO depth i - 1- pick 7 ?list-cr . LOOP ;
 
 : DUMP ( addr u -- )
     base @ >r hex
