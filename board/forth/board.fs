@@ -28,6 +28,9 @@ fig? [IF] require ./fig.fs [THEN]
     dictionary-start board-start !  dictionary-end dict-end !  here dict-base !
     flash-open
     ['] board-header is header
+    \ no floating-point numbers on the board: 1E is no number here
+    ['] no.extensions is interpreter-notfound1
+    ['] no.extensions is compiler-notfound1
     rom-order  sign-on board-loop ;
 
 rom-build

@@ -124,6 +124,7 @@ void TestBoardDialects::behaviour_data()
         row("?COMP", {}, "?COMP", "?COMP ?  - COMPILATION ONLY");
         row("no ANS word", {}, "1 2 NIP", "NIP ?  - NOT FOUND");
         row("no host word", {}, "NOOP", "NOOP ?  - NOT FOUND");
+        row("no floating-point number", {}, "1E .", "1E ?  - NOT FOUND");
         row("dictionary full", {}, "300000 ALLOT", "ALLOT ?  - DICTIONARY FULL");
     }
     const auto ans = [](const char *name, const QByteArrayList &setUp, const char *line, const char *output) {
@@ -134,6 +135,7 @@ void TestBoardDialects::behaviour_data()
     ans("' gives the xt", {": SQ DUP * ;"}, "3 ' SQ EXECUTE .", "9  ok");
     ans("no fig word", {}, "1 -DUP", "-DUP ?  - undefined word");
     ans("no host word", {}, "NOOP", "NOOP ?  - undefined word");
+    ans("no floating-point number", {}, "1E0 .", "1E0 ?  - undefined word");
     ans(".S", {}, "1 -2 3 .S", "<3> 1 -2 3  ok");
     ans("dictionary overflow", {}, "300000 ALLOT", "ALLOT ?  - dictionary overflow");
 }
