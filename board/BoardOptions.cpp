@@ -38,6 +38,8 @@ struct BoardParser {
                            QStringLiteral("FILE")};
     QCommandLineOption gforth{QStringLiteral("gforth"), QStringLiteral("The gforth program to run."),
                               QStringLiteral("PATH")};
+    QCommandLineOption listWords{QStringLiteral("list-words"),
+                                 QStringLiteral("Print the words of the board type's ROM, one a line, and exit.")};
     QCommandLineOption help{QStringList{QStringLiteral("h"), QStringLiteral("help")},
                             QStringLiteral("Print this help and exit.")};
     QCommandLineOption version{QStringList{QStringLiteral("v"), QStringLiteral("version")},
@@ -49,7 +51,7 @@ struct BoardParser {
             QStringLiteral("A simulated KVR board: a Forth system on gforth, reached over TCP on\n"
                            "127.0.0.1 or over a pseudo-terminal that stands in for a serial port."));
         parser.addOptions({type, port, heartbeatPort, noHeartbeat, pty, link, baud, charTime, flash, log, gforth,
-                           help, version});
+                           listWords, help, version});
     }
 };
 
@@ -91,6 +93,7 @@ bool ParseBoardOptions(const QStringList &args, BoardOptions &options, QString &
         return true;
     }
     options.showVersion = parser.isSet(board.version);
+    options.listWords = parser.isSet(board.listWords);
     if (parser.isSet(board.type)) {
         static const QStringList types{QStringLiteral("4410ANS"), QStringLiteral("4410Fig"), QStringLiteral("4410F"),
                                        QStringLiteral("6630Fig")};

@@ -19,6 +19,7 @@ struct BoardOptions {
     QString gforth;                // empty: looked up on PATH
     QString flashPath;             // 4410F: the file that holds the flash
     bool showVersion = false;
+    bool listWords = false;        // print the board's words and exit
 };
 
 // Parses argv; on failure returns false and sets error to a message

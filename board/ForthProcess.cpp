@@ -30,7 +30,7 @@ QString ForthProcess::FindGforth(const QString &given)
     return QStandardPaths::findExecutable(QStringLiteral("gforth"));
 }
 
-bool ForthProcess::Start(QString &error)
+bool ForthProcess::Unpack(QString &error)
 {
     if (!m_personality.isValid()) {
         error = QStringLiteral("cannot make a temporary folder for the board personality");
@@ -47,6 +47,27 @@ bool ForthProcess::Start(QString &error)
             return false;
         }
     }
+    return true;
+}
+
+QProcessEnvironment ForthProcess::Environment() const
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("KVR_BOARD_TYPE"), m_boardType);
+    for (auto it = m_variables.cbegin(); it != m_variables.cend(); ++it)
+        env.insert(it.key(), it.value());
+    return env;
+}
+
+QStringList ForthProcess::Arguments() const
+{
+    return {QStringLiteral("-m"), QStringLiteral("4M"), m_personality.filePath(QStringLiteral("board.fs"))};
+}
+
+bool ForthProcess::Start(QString &error)
+{
+    if (!Unpack(error))
+        return false;
     Launch();
     if (!m_process->waitForStarted(5000)) {
         error = QStringLiteral("cannot start %1: %2").arg(m_gforth, m_process->errorString());
@@ -55,17 +76,34 @@ bool ForthProcess::Start(QString &error)
     return true;
 }
 
+bool ForthProcess::ListWords(QByteArray &words, QString &error)
+{
+    if (!Unpack(error))
+        return false;
+    QProcess lister;
+    lister.setProgram(m_gforth);
+    lister.setArguments(Arguments());
+    lister.setWorkingDirectory(m_personality.path());
+    QProcessEnvironment env = Environment();
+    env.insert(QStringLiteral("KVR_LIST_WORDS"), QStringLiteral("1"));
+    lister.setProcessEnvironment(env);
+    lister.start();
+    if (!lister.waitForFinished(30000) || lister.exitStatus() != QProcess::NormalExit || lister.exitCode() != 0) {
+        error = QStringLiteral("the board personality did not list its words on %1: %2")
+                    .arg(m_gforth, QString::fromLocal8Bit(lister.readAllStandardError()).trimmed());
+        return false;
+    }
+    words = lister.readAllStandardOutput();
+    return true;
+}
+
 void ForthProcess::Launch()
 {
     m_process = new QProcess(this);
     m_process->setProgram(m_gforth);
-    m_process->setArguments({QStringLiteral("-m"), QStringLiteral("4M"), m_personality.filePath(QStringLiteral("board.fs"))});
+    m_process->setArguments(Arguments());
     m_process->setWorkingDirectory(m_personality.path());
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("KVR_BOARD_TYPE"), m_boardType);
-    for (auto it = m_variables.cbegin(); it != m_variables.cend(); ++it)
-        env.insert(it.key(), it.value());
-    m_process->setProcessEnvironment(env);
+    m_process->setProcessEnvironment(Environment());
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     connect(m_process, &QProcess::readyReadStandardError, this, &ForthProcess::OnStderr);
     // gforth must not outlive the bridge, however the bridge ends.

@@ -23,6 +23,9 @@ public:
     // Unpacks the personality and starts gforth; false with a message when
     // that is not possible.
     bool Start(QString &error);
+    // The board's words, one a line, from a run of the personality that
+    // ends once it has made them.
+    bool ListWords(QByteArray &words, QString &error);
     void Stop();
     void Write(const QByteArray &bytes);
     // Breaks into whatever the Forth system is running.
@@ -46,6 +49,9 @@ signals:
     void Failed(const QString &message);
 
 private:
+    bool Unpack(QString &error);
+    QProcessEnvironment Environment() const;
+    QStringList Arguments() const;
     void Launch();
     void OnFinished();
     void OnStderr();

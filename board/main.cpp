@@ -68,6 +68,15 @@ int main(int argc, char *argv[])
                         : QStringLiteral("%1 is not an executable gforth").arg(options.gforth));
     }
 
+    if (options.listWords) {
+        ForthProcess lister(gforth, options.type);
+        QByteArray words;
+        if (!lister.ListWords(words, error))
+            return Fail(error);
+        std::fwrite(words.constData(), 1, static_cast<size_t>(words.size()), stdout);
+        return 0;
+    }
+
     // SIGTERM and SIGINT end the board cleanly from the event loop.
     ::signal(SIGPIPE, SIG_IGN);
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, g_signalPipe) != 0)

@@ -4,10 +4,13 @@
 warnings off
 require ./output.fs
 require ./dialect.fs
+require ./rom.fs
 require ./memory.fs
 require ./clock.fs
 require ./forget.fs
 require ./console.fs
+require ./tools.fs
+fig? [IF] require ./fig.fs [THEN]
 
 \ A redefinition is reported the way the board does and accepted.
 : board-header ( -- )
@@ -25,6 +28,11 @@ require ./console.fs
     dictionary-start board-start !  dictionary-end dict-end !  here dict-base !
     flash-open
     ['] board-header is header
-    sign-on board-loop ;
+    \ no floating-point numbers on the board: 1E is no number here
+    ['] no.extensions is interpreter-notfound1
+    ['] no.extensions is compiler-notfound1
+    rom-order  sign-on board-loop ;
 
+rom-build
+s" KVR_LIST_WORDS" getenv nip [IF] rom-words rom-missing @ 2 and (bye) [THEN]
 board-main

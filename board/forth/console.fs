@@ -31,7 +31,6 @@ create sign-on-line 80 chars allot
 : COLD ( -- )  flush-out flash-sync 42 (bye) ;
 : bye ( -- )  COLD ;
 : quit ( -- )  -56 throw ;
-: { ( -- )  -13 throw ;   \ the host's locals syntax is no board word
 
 : ok-reply ( -- )  ."  ok" crlf ;
 

@@ -88,7 +88,11 @@ board-type s" 4410F" str= constant flash-board
         -16 OF s" NO NAME" ENDOF
         -22 OF s" CONDITIONALS NOT PAIRED" ENDOF
         -24 OF s" BAD NUMBER" ENDOF
+        -21 OF s" NO ASSEMBLER" ENDOF
         -28 OF s" BREAK" ENDOF
+        -1018 OF s" EXECUTION ONLY" ENDOF
+        -1020 OF s" DEFINITION NOT FINISHED" ENDOF
+        -1022 OF s" USE ONLY WHEN LOADING" ENDOF
         s" ERROR" rot
     ENDCASE ;
 

@@ -220,27 +220,32 @@ void TestBoard::startupLine_data()
 {
     QTest::addColumn<QString>("type");
     QTest::addColumn<QByteArrayList>("lines");
+    // fig's ABORT prints the sign-on on a row of its own, within the reply.
+    QTest::addColumn<QByteArray>("signOn");
     QTest::newRow("4410ANS") << "4410ANS"
-                             << QByteArrayList{"        DECIMAL 21 11 2026 NOW 13 45 10 HRS W! START"};
+                             << QByteArrayList{"        DECIMAL 21 11 2026 NOW 13 45 10 HRS W! START"} << QByteArray();
     QTest::newRow("4410Fig") << "4410Fig"
-                             << QByteArrayList{"        DECIMAL 21 11 2026 NOW 13 45 10 HRS W! IBM ABORT"};
+                             << QByteArrayList{"        DECIMAL 21 11 2026 NOW 13 45 10 HRS W! IBM ABORT"}
+                             << QByteArray("\r\x0BKVR4410 fig-FORTH V2.7  (simulated board)");
     QTest::newRow("6630Fig") << "6630Fig"
                              << QByteArrayList{"$B400 $820 ! $A000 $81E ! $A000 $1400 BLANKS",
-                                               "        DECIMAL 21 11 2026 NOW 13 45 10 HRS IBM ABORT"};
-    QTest::newRow("year first") << "4410ANS" << QByteArrayList{"DECIMAL 2026 11 21 NOW 13 45 10 HRS"};
+                                               "        DECIMAL 21 11 2026 NOW 13 45 10 HRS IBM ABORT"}
+                             << QByteArray("\r\x0BKVR6630 fig-FORTH V1.9  (simulated board)");
+    QTest::newRow("year first") << "4410ANS" << QByteArrayList{"DECIMAL 2026 11 21 NOW 13 45 10 HRS"} << QByteArray();
 }
 
 void TestBoard::startupLine()
 {
     QFETCH(QString, type);
     QFETCH(QByteArrayList, lines);
+    QFETCH(QByteArray, signOn);
 
     Session session;
     QVERIFY2(session.Open(QStringLiteral("tcp"), type), qPrintable(session.board.Failure()));
     // The PC first sends a lone carriage return.
     QCOMPARE(session.wire->Converse(""), QByteArray("  ok"));
     for (const QByteArray &line : lines)
-        QCOMPARE(session.wire->Converse(line), line + "  ok");
+        QCOMPARE(session.wire->Converse(line), line + ' ' + (line.endsWith("ABORT") ? signOn : QByteArray()) + " ok");
     const QByteArray clock = session.wire->Converse(".CLOCK");
     QVERIFY2(clock.startsWith(".CLOCK 21/11/2026 13:45:1"), clock.constData());
 }

@@ -1,5 +1,5 @@
-// Our sample programs compile on every board type, sent line by line as
-// the PC's compiler sends them, and then do what they say.
+// Our sample programs compile on the board types of their dialect, sent
+// line by line as the PC's compiler sends them, and then do what they say.
 #include "BoardRunner.h"
 #include "WireClient.h"
 
@@ -51,6 +51,8 @@ class TestBoardExamples : public QObject {
 private slots:
     void examplesCompileAndRun_data();
     void examplesCompileAndRun();
+    void foreignProgramFails_data();
+    void foreignProgramFails();
 };
 
 void TestBoardExamples::examplesCompileAndRun_data()
@@ -59,11 +61,16 @@ void TestBoardExamples::examplesCompileAndRun_data()
     QTest::addColumn<QString>("type");
     QTest::addColumn<QByteArray>("run");
     QTest::addColumn<QByteArray>("shows");
-    for (const char *type : {"4410ANS", "4410Fig", "6630Fig"}) {
+    for (const char *type : {"4410ANS", "4410Fig", "6630Fig"})
         QTest::addRow("HELLO on %s", type) << "HELLO.KVR" << type << QByteArray("HELLO")
                                            << QByteArray("Hello from the KVR board");
-        QTest::addRow("SQUARES on %s", type) << "SQUARES.KVR" << type << QByteArray("4 SQUARES")
-                                             << QByteArray("   4     16       64");
+    QTest::newRow("SQUARES on 4410ANS") << "SQUARES.KVR" << "4410ANS" << QByteArray("4 SQUARES")
+                                        << QByteArray("   4     16       64");
+    for (const char *type : {"4410Fig", "6630Fig"}) {
+        QTest::addRow("FIGLIST counts down on %s", type) << "FIGLIST.KVR" << type << QByteArray("5 COUNTDOWN")
+                                                         << QByteArray("5 COUNTDOWN 5 4 3 2 1  ok");
+        QTest::addRow("FIGLIST fills its array on %s", type) << "FIGLIST.KVR" << type << QByteArray("SHOW-TABLE")
+                                                             << QByteArray("SHOW-TABLE 0 1 4 9 16 25 36 49 SUM 140  ok");
     }
 }
 
@@ -85,6 +92,39 @@ void TestBoardExamples::examplesCompileAndRun()
     wire->Send(run + '\r');
     const QByteArrayList output = wire->ReadReply();
     QVERIFY2(output.contains(shows), output.join('\n').constData());
+}
+
+// A program in another board's dialect stops at its first foreign word,
+// with that board's own error line.
+void TestBoardExamples::foreignProgramFails_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QByteArray>("error");
+    QTest::newRow("SQUARES on 4410Fig") << "SQUARES.KVR" << "4410Fig" << QByteArray("?DO ?  - NOT FOUND");
+    QTest::newRow("SQUARES on 6630Fig") << "SQUARES.KVR" << "6630Fig" << QByteArray("?DO ?  - NOT FOUND");
+    QTest::newRow("FIGLIST on 4410ANS") << "FIGLIST.KVR" << "4410ANS" << QByteArray("<BUILDS ?  - undefined word");
+}
+
+void TestBoardExamples::foreignProgramFails()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, type);
+    QFETCH(QByteArray, error);
+
+    BoardRunner board;
+    QVERIFY2(board.Start({"--type", type, "--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
+    auto wire = WireClient::ConnectTcp(board.Port());
+    QVERIFY(wire);
+    QByteArray failed;
+    for (const QByteArray &line : BoardLines(file)) {
+        const QByteArray reply = wire->Converse(line);
+        if (!reply.endsWith(" ok")) {
+            failed = reply;
+            break;
+        }
+    }
+    QVERIFY2(failed.endsWith(" " + error), failed.constData());
 }
 
 QTEST_GUILESS_MAIN(TestBoardExamples)

@@ -9,14 +9,17 @@ expect_eq() { [ "$1" == "$2" ] || fail "$3: expected '$2', got '$1'"; }
 # crlf FILE: writes standard input to FILE with CR LF line ends.
 crlf() { sed 's/$/\r/' > "$1"; }
 
-# spawn_board NAME: a board on a free port, logging every line it receives
-# to NAME.log; sets spawned_pid and spawned_port (empty when it did not start).
+# spawn_board NAME [OPTION...]: a board on a free port, logging every line it
+# receives to NAME.log; sets spawned_pid and spawned_port (empty when it did
+# not start).
 spawn_board() {
-    "$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/$1.log" > "$work/$1.out" 2> "$work/$1.err" &
+    local name=$1
+    shift
+    "$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/$name.log" "$@" > "$work/$name.out" 2> "$work/$name.err" &
     spawned_pid=$!
     spawned_port=""
     for _ in $(seq 1 200); do
-        spawned_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/$1.out")
+        spawned_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/$name.out")
         [ -n "$spawned_port" ] && break
         kill -0 "$spawned_pid" 2>/dev/null || break
         sleep 0.05

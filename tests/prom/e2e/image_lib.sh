@@ -63,6 +63,6 @@ board_line() {
 # board_bytes PORT START END: the bytes from START up to END (hexadecimal),
 # as the board's C@ reads them, one per line.
 board_bytes() {
-    board_line "$1" ": PROBE-C BASE @ HEX $((16#$3)) $((16#$2)) DO I C@ 0 <# # # #> TYPE SPACE LOOP BASE ! ; .( [) PROBE-C .( ])" \
+    board_line "$1" ": PROBE-C \$5B EMIT BASE @ HEX $((16#$3)) $((16#$2)) DO I C@ 0 <# # # #> TYPE SPACE LOOP BASE ! \$5D EMIT ; PROBE-C" \
         | sed 's/.*\[\(.*\)\].*/\1/' | tr ' ' '\n' | grep .
 }

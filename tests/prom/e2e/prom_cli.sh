@@ -4,7 +4,7 @@
 # test's own against the board's memory; a KVR4410F re-flashed, restarted
 # and its flash uploaded again; a bad S-record file and a missing receiver
 # leave the flash untouched; the shipped board programs compile on every
-# board type; exit statuses.
+# board type they serve, and an upload works on each; exit statuses.
 set -u
 BIN=${KVR_BIN_DIR:?}
 source "${KVR_SOURCE_DIR:?}/tests/prom/e2e/image_lib.sh"
@@ -49,8 +49,10 @@ cp "$KVR_SOURCE_DIR"/examples/*.KVR "$work/"
 for type in 4410ANS 4410Fig 4410F 6630Fig; do
     start_board "$type" --type "$type"
     folder=KVR4410
-    programs="PROGMOT PROGINT #REFLASH"
-    [ "$type" = 6630Fig ] && folder=KVR6630 programs="PROGMOT PROGINT"
+    programs="PROGMOT PROGINT"
+    # the re-flash receiver serves the 4410F, which runs ANS Forth
+    [ "$type" = 4410F ] && programs="PROGMOT PROGINT #REFLASH"
+    [ "$type" = 6630Fig ] && folder=KVR6630
     pctype=$type
     [ "$type" = 4410F ] && pctype=4410ANS
     for program in $programs; do
@@ -118,15 +120,24 @@ cmp -s "$flash" "$work/flash.before" || fail "a missing receiver changed the fla
 rmdir "$receiver" && mv "$work/#REFLASH.KVR" "$receiver"
 stop_board
 
-# --- a 6630: no 4410 set-up line, the forget line with 4
-start_board s6630 --type 6630Fig --log "$work/board6630.log"
-printf ': TWICE 2 * ;\r\n' >"$work/TWICE.KVR"
-end=$(kvr compile "$work/TWICE.KVR" --type 6630Fig | sed -n 's/.* - FINISHED at \([0-9A-F]*\)$/\1/p')
-kvr upload "$work/twice" --start B400 --end "$end" --type 6630Fig >/dev/null 2>"$work/err" \
-    || fail "6630 upload: $(cat "$work/err")"
-parse_image "$work/twice.MOT" srec B400 >/dev/null || fail "6630 image"
-grep -q 'FD14' "$work/board6630.log" && fail "4410 set-up line sent to a 6630"
-tail -n 1 "$work/board6630.log" | grep -qx "' JOB 4 - DUP @ CONTEXT @ ! 4 - DP !" || fail "6630 forget line"
+# --- upload on every board type: the image holds the board's memory, the
+# forget line has the type's offset and takes the upload program away again
+for entry in "4410ANS 3C00 2 SQUARES" "4410Fig 2E00 4 FIGLIST" "6630Fig B400 4 FIGLIST"; do
+    read -r type start offset program <<<"$entry"
+    start_board "u$type" --type "$type" --log "$work/u$type.log"
+    end=$(kvr compile "$work/$program.KVR" --type "$type" | sed -n 's/.* - FINISHED at \([0-9A-F]*\)$/\1/p')
+    [ -n "$end" ] || fail "$program.KVR did not compile on $type"
+    board_bytes "$PORT" "$start" "$end" >"$work/u$type.bytes"
+    here_before=$(board_line "$PORT" "BASE @ HEX HERE U. BASE !")
+    kvr upload "$work/u$type" --start "$start" --end "$end" --type "$type" >/dev/null 2>"$work/err" \
+        || fail "$type upload: $(cat "$work/err")"
+    parse_image "$work/u$type.MOT" srec "$start" >"$work/u$type.image" || fail "$type image"
+    cmp -s "$work/u$type.image" "$work/u$type.bytes" || fail "$type image differs from the board's memory"
+    tail -n 1 "$work/u$type.log" | grep -qx "' JOB $offset - DUP @ CONTEXT @ ! 4 - DP !" || fail "$type forget line"
+    expect_eq "$(board_line "$PORT" "BASE @ HEX HERE U. BASE !")" "$here_before" "HERE after the upload on $type"
+    [ "$type" = 6630Fig ] && grep -q 'FD14' "$work/u$type.log" && fail "4410 set-up line sent to a 6630"
+    stop_board
+done
 
 # --- usage and link faults
 kvr upload "$work/x" --start 3C00 >/dev/null 2>&1
