@@ -3,7 +3,9 @@
 // messages of the command, the suggestions report and its closing
 // sections; and a real program of over a thousand lines.
 #include "WordsFixture.h"
+#include "words/WordsDatabase.h"
 #include "words/WordsText.h"
+#include <QRegularExpression>
 
 using namespace kvr;
 using namespace kvr::test;
@@ -188,20 +190,22 @@ private slots:
     void Report_data()
     {
         QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<QStringList>("expected"); // after heading and caution lines; SRC is the source
+        // After the heading and caution lines; SRC is the source, ROM-n the
+        // template's word count less n.
+        QTest::addColumn<QStringList>("expected");
         const QString sep = Separator();
         QTest::newRow("nothing used") << QStringList{"\\ empty"}
                                       << QStringList{"   No referenced definitions found in SRC", "", sep,
                                                      "Total number of definitions used: 0", "",
                                                      "Forth ROM definitions     used:   0",
-                                                     "Forth ROM definitions not used:   196",
+                                                     "Forth ROM definitions not used:   ROM-0",
                                                      "User defined words        used:   0",
                                                      "User defined words    not used:   0", "", ""};
         QTest::newRow("unreferenced and once referenced words, a suggestion")
             << QStringList{": ONCE SWAP DROP ;", ": TWICE ONCE ;", "TWICE TWICE", ": GONE ;"}
             << QStringList{sep, "Suggest this replacement in SRC", ": ONCE SWAP DROP ;", ": ONCE NIP ;", sep,
                            "Files needed for SRC", "", "SRC", "", sep, "Total number of definitions used: 6", "",
-                           "Forth ROM definitions     used:   4", "Forth ROM definitions not used:   192",
+                           "Forth ROM definitions     used:   4", "Forth ROM definitions not used:   ROM-4",
                            "User defined words        used:   2", "User defined words    not used:   1", "", sep,
                            "These definitions are not referenced.",
                            "Since they are user defined they are candidates for deletion.",
@@ -221,6 +225,16 @@ private slots:
         const QString source = ShortenPath(f.Main());
         QVERIFY(source.startsWith("...")); // shortened everywhere
         expected.replaceInStrings(QStringLiteral("SRC"), source);
+        WordsDatabase rom(DatabaseBuilder::TemplatePath(f.context->paths.ProgramFolder(), "4410ANS"));
+        WordTable table;
+        QVERIFY(rom.Open() && rom.LoadWords(table));
+        const int romWords = static_cast<int>(table.InIndexOrder().size());
+        QVERIFY(romWords > 150);
+        for (QString &line : expected) {
+            const QRegularExpressionMatch less = QRegularExpression(QStringLiteral("ROM-(\\d+)$")).match(line);
+            if (less.hasMatch())
+                line.replace(less.capturedStart(), less.capturedLength(), QString::number(romWords - less.captured(1).toInt()));
+        }
         QCOMPARE(f.Report(), QStringList{("REPORT ON " + source).leftJustified(63) + "07 Mar 2024  09:05"}
                                  + CautionLines() + expected);
     }
