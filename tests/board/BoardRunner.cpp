@@ -1,4 +1,5 @@
 #include "BoardRunner.h"
+#include "WireClient.h"
 
 #include <QDeadlineTimer>
 #include <QRegularExpression>
@@ -23,6 +24,18 @@ BoardRunner::~BoardRunner()
 QString BoardRunner::Program()
 {
     return qEnvironmentVariable("KVR_BIN_DIR") + QStringLiteral("/kvr-board");
+}
+
+std::unique_ptr<WireClient> BoardRunner::StartConnected(const QString &type, const QStringList &extra)
+{
+    if (!Start(QStringList{QStringLiteral("--type"), type, QStringLiteral("--port"), QStringLiteral("0"),
+                           QStringLiteral("--no-heartbeat")}
+               + extra))
+        return nullptr;
+    auto wire = WireClient::ConnectTcp(Port());
+    if (!wire)
+        m_failure = QStringLiteral("cannot connect to port %1").arg(Port());
+    return wire;
 }
 
 bool BoardRunner::Start(const QStringList &args)

@@ -4,8 +4,11 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QStringList>
+#include <memory>
 
 namespace kvr::test {
+
+class WireClient;
 
 // Runs the kvr-board program of the build for one test.
 class BoardRunner {
@@ -18,6 +21,9 @@ public:
     // Starts it and waits for its ready line; false (with the reason in
     // Failure()) when it ends or stays silent instead.
     bool Start(const QStringList &args);
+    // Starts a board of the type on a free TCP port and connects to it; null
+    // (with the reason in Failure()) when either fails.
+    std::unique_ptr<WireClient> StartConnected(const QString &type, const QStringList &extra = {});
     // Runs it to its end, for the cases where it must refuse to start.
     int RunToEnd(const QStringList &args, int timeoutMs = 10000);
     // SIGTERM, then its exit code (-1 when it did not end normally).

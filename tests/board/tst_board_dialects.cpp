@@ -147,9 +147,8 @@ void TestBoardDialects::behaviour()
     QFETCH(QByteArray, line);
     QFETCH(QByteArray, output);
     BoardRunner board;
-    QVERIFY2(board.Start({"--type", type, "--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
-    auto wire = WireClient::ConnectTcp(board.Port());
-    QVERIFY(wire);
+    const auto wire = board.StartConnected(type);
+    QVERIFY2(wire, qPrintable(board.Failure()));
     for (const QByteArray &earlier : setUp)
         QCOMPARE(wire->Converse(earlier), earlier + "  ok");
     QCOMPARE(wire->Converse(line), line + ' ' + output);
@@ -176,9 +175,8 @@ void TestBoardDialects::listingsAreOneReply()
     QFETCH(QByteArray, line);
     QFETCH(int, rows);
     BoardRunner board;
-    QVERIFY2(board.Start({"--type", type, "--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
-    auto wire = WireClient::ConnectTcp(board.Port());
-    QVERIFY(wire);
+    const auto wire = board.StartConnected(type);
+    QVERIFY2(wire, qPrintable(board.Failure()));
     const QByteArray listing = wire->Converse(line);
     QVERIFY2(listing.startsWith(line + ' ') && listing.endsWith(" ok"), listing.constData());
     QVERIFY2(listing.count("\r\x0B") >= rows, listing.constData());

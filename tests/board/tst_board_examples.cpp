@@ -51,8 +51,6 @@ class TestBoardExamples : public QObject {
 private slots:
     void examplesCompileAndRun_data();
     void examplesCompileAndRun();
-    void foreignProgramFails_data();
-    void foreignProgramFails();
 };
 
 void TestBoardExamples::examplesCompileAndRun_data()
@@ -82,9 +80,8 @@ void TestBoardExamples::examplesCompileAndRun()
     QFETCH(QByteArray, shows);
 
     BoardRunner board;
-    QVERIFY2(board.Start({"--type", type, "--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
-    auto wire = WireClient::ConnectTcp(board.Port());
-    QVERIFY(wire);
+    const auto wire = board.StartConnected(type);
+    QVERIFY2(wire, qPrintable(board.Failure()));
     for (const QByteArray &line : BoardLines(file)) {
         const QByteArray reply = wire->Converse(line);
         QVERIFY2(reply.endsWith(" ok") && !reply.contains("NOT UNIQUE"), reply.constData());
@@ -92,39 +89,6 @@ void TestBoardExamples::examplesCompileAndRun()
     wire->Send(run + '\r');
     const QByteArrayList output = wire->ReadReply();
     QVERIFY2(output.contains(shows), output.join('\n').constData());
-}
-
-// A program in another board's dialect stops at its first foreign word,
-// with that board's own error line.
-void TestBoardExamples::foreignProgramFails_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("type");
-    QTest::addColumn<QByteArray>("error");
-    QTest::newRow("SQUARES on 4410Fig") << "SQUARES.KVR" << "4410Fig" << QByteArray("?DO ?  - NOT FOUND");
-    QTest::newRow("SQUARES on 6630Fig") << "SQUARES.KVR" << "6630Fig" << QByteArray("?DO ?  - NOT FOUND");
-    QTest::newRow("FIGLIST on 4410ANS") << "FIGLIST.KVR" << "4410ANS" << QByteArray("<BUILDS ?  - undefined word");
-}
-
-void TestBoardExamples::foreignProgramFails()
-{
-    QFETCH(QString, file);
-    QFETCH(QString, type);
-    QFETCH(QByteArray, error);
-
-    BoardRunner board;
-    QVERIFY2(board.Start({"--type", type, "--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
-    auto wire = WireClient::ConnectTcp(board.Port());
-    QVERIFY(wire);
-    QByteArray failed;
-    for (const QByteArray &line : BoardLines(file)) {
-        const QByteArray reply = wire->Converse(line);
-        if (!reply.endsWith(" ok")) {
-            failed = reply;
-            break;
-        }
-    }
-    QVERIFY2(failed.endsWith(" " + error), failed.constData());
 }
 
 QTEST_GUILESS_MAIN(TestBoardExamples)

@@ -20,11 +20,7 @@ struct Session {
 
     bool Open(const QString &type, const QStringList &extra = {})
     {
-        if (!board.Start(QStringList{QStringLiteral("--type"), type, QStringLiteral("--port"), QStringLiteral("0"),
-                                     QStringLiteral("--no-heartbeat")}
-                         + extra))
-            return false;
-        wire = WireClient::ConnectTcp(board.Port());
+        wire = board.StartConnected(type, extra);
         return wire != nullptr;
     }
     QByteArray Here() { return wire->Converse(HereCommand).mid(26, 4); }
