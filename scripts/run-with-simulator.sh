@@ -3,7 +3,8 @@
 # use it for this run, with an example program open. The board stops when
 # KVR-PC ends.
 #   bash scripts/run-with-simulator.sh BUILD_DIR
-# KVR_BOARD_TYPE (4410ANS, 4410Fig, 6630Fig) picks the board type;
+# KVR_BOARD_TYPE (4410ANS, 4410Fig, 4410F, 6630Fig) picks the board type and
+# the computer type of the run;
 # KVR_RUN_SETTINGS the settings folder for this run.
 set -euo pipefail
 
@@ -59,6 +60,19 @@ if [ -z "$ready" ]; then
 fi
 address=${ready#listening on }
 echo "Simulated $type board $ready"
+
+# The run's settings name the board's type, so kvr-pc speaks its dialect
+# (a 4410F is a 4410ANS with flash).
+computer=$type
+[ "$type" = 4410F ] && computer=4410ANS
+ini="$settings/KVR-PC.INI"
+if [ ! -f "$ini" ]; then
+    printf '[Parameters]\r\nKVR computer type=%s\r\n' "$computer" >"$ini"
+elif grep -q '^KVR computer type=' "$ini"; then
+    sed -i "s/^KVR computer type=[^\r]*/KVR computer type=$computer/" "$ini"
+else
+    printf '[Parameters]\r\nKVR computer type=%s\r\n' "$computer" >>"$ini"
+fi
 
 if [ -x "$bin/kvr-pc" ]; then
     "$bin/kvr-pc" --settings-dir "$settings" --simulator "$address" "$work/HELLO.KVR"
