@@ -50,6 +50,7 @@ void TestConditional::EvaluateDirective_data()
         QTest::addRow("#ELSEIF matching, none taken (state %d)", s) << s << D << "#ELSEIF DEBUG" << 1 << 2 << "";
         QTest::addRow("#ELSEIF not matching (state %d)", s) << s << D << "#ELSEIF TEST" << 0 << 7 << "#ELSEIF TEST";
     }
+    QTest::newRow("#ELSEIF a longer word does not match") << 4 << D << "#ELSEIF DEBUG2" << 0 << 7 << "#ELSEIF DEBUG2";
     QTest::newRow("#elseif debug \\ c matches") << 4 << D << "#elseif debug \\ c" << 1 << 2 << "";
     for (int s : {0, 3, 6})
         QTest::addRow("#ELSEIF out of order (state %d)", s) << s << D << "#ELSEIF DEBUG" << -1 << s << "#ELSEIF DEBUG";

@@ -37,6 +37,7 @@ void TestSourceText::CompactLine_data()
     QTest::newRow("paren without blank kept") << "(X) DUP" << "(X) DUP";
     QTest::newRow("unclosed paren comment runs to the end") << "DUP ( never closed" << "DUP ";
     QTest::newRow("backslash without blank before it kept") << "DUP\\ X" << "DUP\\ X";
+    QTest::newRow("backslash without blank after it kept") << "DUP \\X Y" << "DUP \\X Y";
     QTest::newRow("cut ignores quotes") << ".\" a \\ b\" DUP" << ".\" a";
     QTest::newRow("tab is not a blank") << "\tDUP  X" << "\tDUP X";
 }
