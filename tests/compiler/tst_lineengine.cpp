@@ -427,7 +427,14 @@ void TestLineEngine::QuietReceiveAndProgress()
     f.board.replies.insert("B", QByteArray(170, 'b') + "Z\r\n");
     f.board.replies.insert("X", marked + "\r\n");
     const QString main = f.Write("MAIN.KVR", {"A", "B", "X"});
+    // The long reply keeps its first 159 characters and its last one.
+    QString longReply;
+    f.board.onLine = [&](const QByteArray &line) {
+        if (line == "X")
+            longReply = f.driver->State().replyLine;
+    };
     f.driver->CompileFile(main);
+    QCOMPARE(longReply, QString(159, QLatin1Char('b')) + QLatin1Char('Z'));
     QCOMPARE(f.report->LastLine(), f.Prefix(main, 3) + ": X ?  - bad");
     QCOMPARE(f.terminal.progressText, QString(1, QChar(127))); // 3 lines on a bar of 2
     QCOMPARE(f.terminal.progressStates, (QList<bool>{true, false}));
