@@ -22,6 +22,7 @@ private slots:
         QTest::newRow("backspace erases under and after the cursor")
             << QByteArray("abcd\r\x1c\x1c\x08") << QStringList{"a"} << 0 << 1;
         QTest::newRow("backspace then retype") << QByteArray("ab\x08X") << QStringList{"aX"} << 0 << 2;
+        QTest::newRow("backspace over the first character") << QByteArray("a\x08") << QStringList{""} << 0 << 0;
         QTest::newRow("backspace at column 0 does nothing")
             << QByteArray("ab\r\nc\r\x08") << QStringList{"ab", "c"} << 1 << 0;
         QTest::newRow("code 28 moves right without writing")
