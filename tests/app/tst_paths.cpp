@@ -72,6 +72,7 @@ private slots:
         QTest::newRow("plain") << "10000" << 10000.0;
         QTest::newRow("leading blanks") << "  42abc" << 42.0;
         QTest::newRow("decimal") << "1.629" << 1.629;
+        QTest::newRow("a second point ends the number") << "1.5.2" << 1.5;
         QTest::newRow("negative") << "-1" << -1.0;
         QTest::newRow("not a number") << "COM10" << 0.0;
         QTest::newRow("empty") << "" << 0.0;

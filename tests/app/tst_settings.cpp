@@ -48,6 +48,7 @@ private slots:
         QTest::newRow("value cut at NUL") << "Timeout" << QStringLiteral("12") + QChar(0) + QStringLiteral("34")
                                           << "12";
         QTest::newRow("quoted value unquoted") << "Baud rate" << "\"19200\"" << "19200";
+        QTest::newRow("single-quoted value unquoted") << "Baud rate" << "'2400'" << "2400";
         QTest::newRow("key matched without case") << "BAUD RATE" << "4800" << "4800";
     }
     void keptLengths()

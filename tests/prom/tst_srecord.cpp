@@ -73,6 +73,13 @@ void TestSRecord::image_data()
     QTest::newRow("S2 refused whatever came before")
         << QByteArray("S1050000414200\r\nS2080088004142430B\r\n") << QByteArray()
         << "Error: Bad S-record file, address is 24 bits wide";
+    // The limit is 65,536 bytes: 4,096 full records, then one byte more.
+    QByteArray full;
+    for (int i = 0; i < 4096; ++i)
+        full += "S1130000" + QByteArray(32, 'A') + "00\r\n";
+    QTest::newRow("65,536 bytes fill the limit") << full << QByteArray(65536, '\xAA') << QString();
+    QTest::newRow("65,537 bytes are refused") << full + "S1040000AA00\r\n" << QByteArray()
+                                              << "Error: Bad S-record file, image larger than 65536 bytes";
     QTest::newRow("no data at all") << QByteArray("S0030000FC\r\nS9030000FC\r\n") << QByteArray()
                                     << "Error: Bad S-record file, no data records";
 }
