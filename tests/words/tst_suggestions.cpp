@@ -71,6 +71,7 @@ private slots:
         QTest::newRow("seven nested IF lines: one block, the first IF")
             << QStringList{": T", "A IF"} + Repeat("Y IF", 7)
             << QStringList{sep, "Suggest factoring replace nested IFs in F.KVR", "A IF"};
+        QTest::newRow("six nested IF lines: none") << QStringList{": T", "A IF"} + Repeat("Y IF", 5) << QStringList{};
         QTest::newRow("a THEN takes one level away") << QStringList{"A IF"} + Repeat("Y IF", 4) + QStringList{"X THEN", "C IF"}
                                              << QStringList{};
         QTest::newRow("a new definition starts the depth afresh")
