@@ -30,6 +30,7 @@ public:
     int Stop();
 
     void SetEnvironment(const QProcessEnvironment &env) { m_process.setProcessEnvironment(env); }
+    void SetWorkingDirectory(const QString &dir) { m_process.setWorkingDirectory(dir); }
     QString ReadyLine() const { return m_readyLine; }
     // The next line it prints after the ready line; empty when none comes.
     QString NextLine(int timeoutMs = 5000);

@@ -145,8 +145,11 @@ void TestBoardProm::flashOutlivesColdAndRestart()
     expected[expected.size() - 1] = char(205);
     QCOMPARE(kept.readAll(), expected);
 
+    // A file named without its folder is the one in the board's working folder.
     Session again;
-    QVERIFY2(again.Open(QStringLiteral("4410F"), {QStringLiteral("--flash"), file}), qPrintable(again.board.Failure()));
+    again.board.SetWorkingDirectory(dir.path());
+    QVERIFY2(again.Open(QStringLiteral("4410F"), {QStringLiteral("--flash"), QStringLiteral("flash.bin")}),
+             qPrintable(again.board.Failure()));
     QCOMPARE(again.wire->Converse("$FB7F C@ ."), QByteArray("$FB7F C@ . 205  ok"));
 }
 
