@@ -1,5 +1,7 @@
 #include "app/Prompts.h"
 
+#include <QFileInfo>
+
 namespace kvr {
 
 PromptAnswer DefaultAnswer(PromptButtons buttons)
@@ -15,6 +17,14 @@ PromptAnswer DefaultAnswer(PromptButtons buttons)
         return PromptAnswer::Retry;
     }
     return PromptAnswer::Ok;
+}
+
+bool MayOverwrite(Prompts &prompts, const QString &name, const QString &path)
+{
+    return !QFileInfo(path).isFile()
+           || prompts.Message(QStringLiteral("File ") + name + QStringLiteral(" already exists. Overwrite?"),
+                              PromptIcon::Exclamation, PromptButtons::OkCancel)
+                  == PromptAnswer::Ok;
 }
 
 } // namespace kvr

@@ -43,4 +43,8 @@ public:
     virtual void Beep() = 0;
 };
 
+// "File " + name + " already exists. Overwrite?" when `path` is a file;
+// false when the user did not answer OK.
+bool MayOverwrite(Prompts &prompts, const QString &name, const QString &path);
+
 } // namespace kvr

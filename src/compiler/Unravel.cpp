@@ -7,7 +7,6 @@
 #include "compiler/SourceText.h"
 #include "editor/BusyCursor.h"
 #include <QDir>
-#include <QFileInfo>
 
 namespace kvr {
 
@@ -113,10 +112,7 @@ Unraveller::Output Unraveller::ChooseOutput(const QString &sourceName)
                             PromptIcon::Exclamation);
             continue;
         }
-        if (QFileInfo(path).isFile()
-            && prompts.Message(QStringLiteral("File ") + name + QStringLiteral(" already exists. Overwrite?"),
-                               PromptIcon::Exclamation, PromptButtons::OkCancel)
-                   != PromptAnswer::Ok)
+        if (!MayOverwrite(prompts, name, path))
             continue;
         if (setWorkingFileName)
             setWorkingFileName(name);

@@ -210,14 +210,6 @@ QString WriteTextLines(const QString &path, const QStringList &lines)
     return {};
 }
 
-bool MayOverwrite(Prompts &prompts, const QString &name, const QString &path)
-{
-    return !QFileInfo::exists(path)
-           || prompts.Message(QStringLiteral("File ") + name + QStringLiteral(" already exists. Overwrite?"),
-                              PromptIcon::Exclamation, PromptButtons::OkCancel)
-                  == PromptAnswer::Ok;
-}
-
 int ListRowHeight(int fontSize, double dpi)
 {
     return int(std::ceil((fontSize * 12 + 3) / 10.0 * dpi / 72.0));

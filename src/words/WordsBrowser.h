@@ -79,9 +79,6 @@ private:
 QStringList ReadTextLines(const QString &path);
 // Writes `lines` each with CR LF; the file system's error text, or empty.
 QString WriteTextLines(const QString &path, const QStringList &lines);
-// "File " + name + " already exists. Overwrite?" when `path` exists; false
-// when the user did not answer OK.
-bool MayOverwrite(Prompts &prompts, const QString &name, const QString &path);
 
 // Where the suggestions text goes in the report view of a window whose
 // inner size is `inner`: under a heading band of 0.09 of the height, 0.82
