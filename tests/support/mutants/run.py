@@ -3,7 +3,7 @@
 sources in turn, rebuilds what changed, runs the tests and says whether they
 caught it (killed) or not (survived).
 
-    run.py [--only ID,ID] [--write FILE] [--jobs N] [--scratch DIR]
+    run.py [--only ID,ID] [--tests REGEX] [--write FILE] [--jobs N] [--scratch DIR]
 
 A mutation that does not compile is "stillborn" and not counted. The copy
 lives in build-mutants/ (or --scratch), builds in its build/ folder and is
@@ -108,6 +108,7 @@ def RunTests(build, jobs, tests, log):
 def Main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--only", help="comma-separated mutation ids")
+    parser.add_argument("--tests", help="run only the tests this ctest regex selects")
     parser.add_argument("--write", help="also write the results to this file")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 2)
     parser.add_argument("--scratch", default=os.path.join(ROOT, "build-mutants"))
@@ -118,6 +119,9 @@ def Main():
     if args.only:
         wanted = set(args.only.split(","))
         mutations = [m for m in mutations if m["id"] in wanted]
+    if args.tests:
+        for m in mutations:
+            m["tests"] = args.tests
     os.makedirs(args.scratch, exist_ok=True)
     # The copy's build sits where the tree's does, so ccache finds the
     # tree's objects for every file no mutation touched.
