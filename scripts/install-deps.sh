@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # Installs the Debian packages KVR-PC needs to build, run and test, as listed
-# in scripts/packages.list. Idempotent: only what is missing is installed.
+# in scripts/packages.list: the build, run and test roles, and any further
+# role named on the command line (sanitize). Idempotent: only what is
+# missing is installed.
 set -euo pipefail
 
 list="$(dirname "$0")/packages.list"
-mapfile -t packages < <(awk '!/^#/ && NF == 2 { print $2 }' "$list")
+roles=" build run test $* "
+mapfile -t packages < <(awk -v roles="$roles" '!/^#/ && NF == 2 && index(roles, " " $1 " ") { print $2 }' "$list")
 
 missing=()
 for p in "${packages[@]}"; do

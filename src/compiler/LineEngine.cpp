@@ -1,4 +1,5 @@
 #include "compiler/LineEngine.h"
+#include "compiler/ReplyChecks.h"
 #include "app/AppContext.h"
 #include "app/Text.h"
 #include "compiler/ConditionalCompilation.h"
@@ -291,28 +292,13 @@ void LineEngine::BoardLine(QString line)
     }
 
     const QString &reply = m_state.replyLine;
-    const qsizetype marker = reply.indexOf(QLatin1String(" ?  - "));
-    if (marker >= 0) {
-        // Look back from the marker to the blank before the offending word;
-        // 1-based p = marker + 1, the character at p - i is reply[marker - i].
-        const qsizetype p = marker + 1;
-        qsizetype i = 1;
-        while (i <= 31 && i != p && reply[p - i - 1] != QLatin1Char(' '))
-            ++i;
+    if (const auto error = BoardErrorText(reply)) {
         m_context.compileOutcome = CompileOutcome::Error;
-        Report(QStringLiteral(": ") + reply.mid(p - i), QStringLiteral("board-error"));
+        Report(QStringLiteral(": ") + *error, QStringLiteral("board-error"));
         EndRun(RunEnd::BoardError);
     }
-
-    const qsizetype unique = reply.indexOf(QLatin1String("NOT UNIQUE"));
-    if (unique >= 0) {
-        const qsizetype q = unique + 1;
-        qsizetype i = 2;
-        // Before the first character counts as a blank.
-        while (i <= 32 && q - i >= 1 && reply[q - i - 1] != QLatin1Char(' '))
-            ++i;
-        Report(QStringLiteral(": ") + reply.mid(q - i, i + 9), QStringLiteral("not-unique"));
-    }
+    if (const auto unique = NotUniqueText(reply))
+        Report(QStringLiteral(": ") + *unique, QStringLiteral("not-unique"));
 }
 
 void LineEngine::HaltTest()

@@ -1,6 +1,8 @@
 #include "compiler/SourceText.h"
 #include "app/Text.h"
 
+#include <algorithm>
+
 namespace kvr {
 
 QString TrimBlanks(const QString &text)
@@ -87,10 +89,13 @@ QString ConditionWord(const QString &line)
 
 int ErrorLineNumber(const QString &reportLine)
 {
-    const qsizetype at = reportLine.indexOf(QLatin1String("line"));
+    // The report's own " - line " first: the file's path before it may hold
+    // "line" too (/home/caroline/..., a PIPELINE folder).
+    qsizetype at = reportLine.indexOf(QLatin1String(" - line "));
+    at = at >= 0 ? at + 3 : reportLine.indexOf(QLatin1String("line"));
     if (at < 0)
         return 0;
-    return static_cast<int>(Val(reportLine.mid(at + 5, 3)));
+    return std::max(0, static_cast<int>(Val(reportLine.mid(at + 5, 3))));
 }
 
 } // namespace kvr
