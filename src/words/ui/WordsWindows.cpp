@@ -71,7 +71,11 @@ bool WordsWindows::eventFilter(QObject *watched, QEvent *event)
 {
     // A closed words window leaves no window active: the keys would go to
     // the frame's menu bar instead of the window the user came from.
-    if (watched == m_subWindow && event->type() == QEvent::Hide && !event->spontaneous()) {
+    // The sub-window's own destructor sends events too: qobject_cast finds
+    // no QMdiSubWindow there, where comparing through the QPointer would
+    // downcast a half-destroyed object.
+    if (event->type() == QEvent::Hide && !event->spontaneous() && qobject_cast<QMdiSubWindow *>(watched)
+        && watched == m_subWindow) {
         m_window->CloseDatabase();
         ActivatePrevious();
     }
