@@ -16,9 +16,6 @@
 #include "app/Text.h"
 #include "app/ui/frmMDI.h"
 #include "pc/CommandLine.h"
-#include <QMdiArea>
-#include <QMdiSubWindow>
-#include <QMenuBar>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -380,22 +377,6 @@ private slots:
         QVERIFY(DirExistsCI(root + "SRC") && !FileExistsCI(root + "SRC")); // a folder is not a file
     }
 
-    // The shipped board files are copied once: the user's edits stay.
-    void seedsProgramFolderOnce()
-    {
-        const QString data = m_dir.filePath("install");
-        WriteAll(data + "/KVR4410/PROGINT.KVR", "shipped");
-        WriteAll(data + "/OTHER/X.KVR", "not copied");
-        Paths paths(m_dir.filePath("cfg"));
-        paths.Prepare(data);
-        QCOMPARE(ReadAll(paths.ProgramFolder() + "KVR4410/PROGINT.KVR"), QByteArray("shipped"));
-        QVERIFY(!QFile::exists(paths.ProgramFolder() + "OTHER/X.KVR"));
-        WriteAll(paths.ProgramFolder() + "KVR4410/PROGINT.KVR", "edited");
-        paths.Prepare(data);
-        QCOMPARE(ReadAll(paths.ProgramFolder() + "KVR4410/PROGINT.KVR"), QByteArray("edited"));
-        QCOMPARE(paths.LockFile(), paths.WindowsFolder() + "kvr-pc.lck");
-    }
-
     // Numbers read the old way (the leading number, else 0); long paths
     // shown shortened from the front.
     void text_data()
@@ -415,33 +396,6 @@ private slots:
     {
         QFETCH(QString, text);
         QTEST(text.startsWith('/') ? ShortenPath(text) : QString::number(Val(text)), "result");
-    }
-
-    // A terminal has no dictionary to zap nor a flash to write.
-    void terminalTypeDisablesBoardCommands()
-    {
-        Frame f;
-        f.context.settings.computerType = QStringLiteral("Terminal");
-        f.context.WriteSettings();
-        QVERIFY(!f.Item("mnuZap")->isEnabled() && !f.Item("mnuPFlash")->isEnabled() && f.Item("mnuPUp")->isEnabled());
-    }
-
-    void optionItemsTickAndWrite_data()
-    {
-        Columns<QString, QString>({"item", "line"});
-        QTest::newRow("timeout 20 s") << "mnuOTimeoutArray(0)" << "Timeout=20000";
-        QTest::newRow("baud 38400") << "mnuOBaudArray(0)" << "Baud rate=38400";
-        QTest::newRow("baud 300") << "mnuOBaudArray(7)" << "Baud rate=300";
-    }
-    void optionItemsTickAndWrite()
-    {
-        QFETCH(QString, item);
-        Frame f;
-        f.Item(item)->trigger();
-        for (int i = 0; i < 8; ++i)
-            if (QAction *a = f.Item(frmMDI::ArrayName(item.left(item.indexOf('(')), i)))
-                QCOMPARE(a->isChecked(), a->objectName() == item);
-        QVERIFY(ReadAll(f.context.paths.SettingsFile()).contains((Cell<QString>("line") + "\r\n").toLatin1()));
     }
 
     // Until the link has switched, the tick stays on the port in use.
@@ -464,25 +418,6 @@ private slots:
         connected = true;
         f.frame.UpdateCaption();
         QVERIFY(f.frame.windowTitle().endsWith(" - connected"));
-    }
-
-    // The Window menu lists the open windows, rebuilt each time.
-    void windowMenuListsChildWindows()
-    {
-        Frame f;
-        f.frame.show();
-        QMdiSubWindow *terminal = f.frame.MdiArea()->addSubWindow(new QWidget);
-        QMdiSubWindow *editor = f.frame.MdiArea()->addSubWindow(new QWidget);
-        editor->setWindowTitle(QStringLiteral("Source code 1"));
-        editor->show();
-        terminal->hide(); // closed with its title-bar button
-        f.frame.UpdateWindowList();
-        f.frame.UpdateWindowList();
-        QCOMPARE(f.Item("mnuWList(1)")->text(), QStringLiteral("&1 Source code 1"));
-        QVERIFY(!f.Item("mnuWList(2)"));
-        QSignalSpy requested(&f.frame, &frmMDI::TerminalRequested);
-        f.Item("mnuWTerminal")->trigger();
-        QCOMPARE(requested.size(), 1);
     }
 
     void closeGuardCanAbandonExit()

@@ -88,17 +88,11 @@ private slots:
         row("line: caret between CR and LF", "line", "ABC\r|\nDE", "0,3");
         row("line: second line start", "line", "ABC\r\n|DE", "5,2");
         row("line: empty last line", "line", "ABC\r\n|", "5,0");
-        // "select": the compiler's line number in "AB\r\nCDE\r\nF".
-        row("select line 2", "select", "2", "4,8");
-        row("select the last line without LF: to the text end", "select", "3", "9,10");
-        row("select past the end", "select", "7", "10,10");
         row("invert letters", "invert", "Dup DROP swap", "dUP drop SWAP");
         row("invert keeps digits, signs, accents", "invert", QString::fromLatin1("2@ (\xe9\xc9z"), QString::fromLatin1("2@ (\xe9\xc9Z"));
         row("invert keeps brackets beside the letters", "invert", "@[`{", "@[`{");
-        row("date example", "date", "2004-03-07T14:05:59", "07 Mar 04  14:05");
         row("keys swallowed: control, Tab, 255 and above", "discard", "8 13 9 1 32 254 255 8364", "9 1 255 8364");
         row("tab setting: 5 and garbage are 0", "tabs", "0 2 4 5 xx", "0 2 4 0 0");
-        row("CR LF from LF, CR; LF CR is two", "crlf", "A\nB\rC\r\nD\n\rE", "A\r\nB\r\nC\r\nD\r\n\r\nE");
         row("save: last line gets its line end", "save", "A\r\nB", "A\r\nB\r\n");
         row("save: no empty line added", "save", "A\r\nB\r\n", "A\r\nB\r\n");
         row("save: trailing blanks removed", "save", "A   \r\n  B  ", "A\r\n  B\r\n");
@@ -122,9 +116,6 @@ private slots:
         if (rule == "line") {
             const LineInfo info = GetLineInfo(QString(input).remove('|'), int(input.indexOf('|')));
             got = QStringLiteral("%1,%2").arg(info.start).arg(info.length);
-        } else if (rule == "select") {
-            const LineRange range = LineSelection(QStringLiteral("AB\r\nCDE\r\nF"), input.toInt());
-            got = QStringLiteral("%1,%2").arg(range.start).arg(range.end);
         } else if (rule == "backup") {
             QString directory, name;
             SplitPath(input, directory, name);
@@ -137,8 +128,6 @@ private slots:
             got = out.join(' ');
         } else {
             got = rule == "invert" ? InvertCase(input)
-                : rule == "date"   ? DateStamp(QDateTime::fromString(input, Qt::ISODate))
-                : rule == "crlf"   ? ToCrLf(input)
                 : rule == "filter" ? QtFilter(input)
                                    : QString::fromLatin1(SourceBytesForSave(input));
         }
@@ -391,31 +380,6 @@ private slots:
         QVERIFY(!P().Find().gFirstTime);
     }
 
-    // Find next before any Find opens the dialog; the dialog is filled from
-    // the selection, else with the last string (upper case when case is ignored).
-    void findDialogPrefill()
-    {
-        const int index = WithText(QStringLiteral("alpha beta"));
-        QSignalSpy requested(f->pool.get(), &EditorPool::FindDialogRequested);
-        P().FindNext(index);
-        f->View(index)->Select(6, 4);
-        P().ShowFind(index);
-        P().FindFromDialog(QStringLiteral("alpha"));
-        f->View(index)->Select(0, 0);
-        P().ShowFind(index);
-        QCOMPARE(QStringList({requested[0][0].toString(), requested[1][0].toString(), requested[2][0].toString()}), QStringList({"", "beta", "ALPHA"}));
-    }
-
-    // New windows take the lowest free slot.
-    void windowSlots()
-    {
-        for (int i = 1; i <= 3; ++i)
-            QCOMPARE(P().FileNew(), i);
-        QVERIFY(f->View(2)->Close());
-        QCOMPARE(P().FileNew(), 2);
-        QCOMPARE(P().Caption(2), QStringLiteral("Source code 2"));
-    }
-
     // Loading: line ends become CR LF, trailing blanks go, an over-long line
     // of a .KVR file gets a box each, a window holds 65,535 characters.
     void load_data()
@@ -473,33 +437,6 @@ private slots:
         QCOMPARE(Boxes().first(), LongLineBox + QString(1000, QChar(1)) + QStringLiteral("..."));
     }
 
-    // Lines come from the file in pieces: a line end split between pieces is
-    // one line end; a line longer than a window is kept as far as it shows.
-    void lineReader_data()
-    {
-        Columns<QByteArray, QStringList, QList<qsizetype>>({"content", "trimmed", "lengths"});
-        QTest::newRow("CR LF split between pieces") << QByteArray(65535, 'A') + "\r\nY" << QStringList{A(65535), "Y"} << QList<qsizetype>{65535, 1};
-        QTest::newRow("CR as the last byte") << QByteArray("A\r") << QStringList{"A"} << QList<qsizetype>{1};
-        QTest::newRow("blanks past the kept part go") << "X" + QByteArray(70000, ' ') + "\nY" << QStringList{"X", "Y"} << QList<qsizetype>{70001, 1};
-        QTest::newRow("a character past the kept part keeps the blanks")
-            << "X" + QByteArray(70000, ' ') + "Z" << QStringList{"X" + QString(65535, ' ')} << QList<qsizetype>{70002};
-        QTest::newRow("one endless line") << QByteArray(3'000'000, '\x90') << QStringList{QString(65536, QChar(0x90))} << QList<qsizetype>{3'000'000};
-    }
-    void lineReader()
-    {
-        WriteAll(f->File(QStringLiteral("LINES.KVR")), Cell<QByteArray>("content"));
-        SourceLineReader reader;
-        QVERIFY(reader.Open(f->File(QStringLiteral("LINES.KVR"))).ok);
-        QStringList trimmed;
-        QList<qsizetype> lengths;
-        for (SourceLine line; reader.Next(line); lengths << line.length) {
-            QVERIFY(line.text.size() <= 65536);
-            trimmed << line.Trimmed();
-        }
-        QTEST(trimmed, "trimmed");
-        QTEST(lengths, "lengths");
-    }
-
     // Names that are no readable file: no window stays, the box gives the
     // name as on disk and why.
     void openRefused_data()
@@ -522,44 +459,6 @@ private slots:
         const QString reason = Boxes().first().mid(path.size() + 19);
         QCOMPARE(Boxes().first(), "Can't open file: " + path + "\r\n" + reason);
         QVERIFY(!reason.isEmpty() && (!path.endsWith("MISSING.KVR") || reason == "No such file or directory"));
-    }
-
-    // Opening a file already open (in any case) brings its window forward.
-    void openingAnOpenFileActivatesIt()
-    {
-        const int index = Load(QStringLiteral("PUMP.KVR"), "X\r\n");
-        const int activations = f->View(index)->activations;
-        P().OpenFile(f->File(QStringLiteral("pump.kvr")));
-        QCOMPARE(P().OpenIndexes(), Ints{index});
-        QCOMPARE(f->View(index)->activations, activations + 1);
-        QCOMPARE(P().CurrentFileName(), LogicalName(f->File(QStringLiteral("PUMP.KVR"))));
-    }
-
-    // Eight files, newest first; one listed already keeps the order; the
-    // rest of the settings file stays.
-    void recentList()
-    {
-        const QString ini = f->context->paths.SettingsFile();
-        WriteAll(ini, "[Parameters]\r\nTimeout=777\r\n[Custom]\r\nKeep=me\r\n");
-        QStringList names;
-        for (int i = 1; i <= 9; ++i) {
-            WriteAll(f->File(QStringLiteral("F%1.KVR").arg(i)), "X\r\n");
-            names.prepend(LogicalName(f->File(QStringLiteral("F%1.KVR").arg(i))));
-        }
-        for (int i = 8; i >= 1; --i)
-            P().OpenFile(names[i]);
-        for (int index : P().OpenIndexes())
-            QVERIFY(f->View(index)->Close());
-        P().OpenFile(names[5]);
-        QCOMPARE(Recent(), names.mid(1));
-        QSignalSpy changed(f->pool.get(), &EditorPool::RecentFilesChanged);
-        P().OpenFile(names[0]);
-        QCOMPARE(Recent(), names.mid(0, 8));
-        QCOMPARE(changed.last().first().toStringList(), names.mid(0, 8));
-        QCOMPARE(f->View(P().ActiveIndex())->recent, names.mid(0, 8));
-        IniFile kept;
-        kept.Load(ini);
-        QCOMPARE(kept.Value("Parameters", "Timeout", {}) + kept.Value("Custom", "Keep", {}), QStringLiteral("777me"));
     }
 
     // Save of an unnamed window asks for a name, then Save: the file keeps
@@ -610,19 +509,6 @@ private slots:
         }
         QCOMPARE(QDir(f->dir.path()).entryList(QDir::Files), QStringList{onDisk});
         QCOMPARE(ReadAll(f->File(onDisk)), after);
-    }
-
-    void externalEditor()
-    {
-        const QString missing = f->File(QStringLiteral("NOSUCH.EXE"));
-        f->prompts.fileNames.enqueue(missing);
-        P().ChooseExternalEditor();
-        P().StartExternalEditor();
-        QCOMPARE(Boxes(), QStringList{"Editor program " + missing + " not found.\r\nSelect using editor window options menu."});
-        QVERIFY(ReadAll(f->context->paths.SettingsFile()).contains("External editor=" + missing.toUtf8()));
-        f->context->settings.externalEditor = QStandardPaths::findExecutable(QStringLiteral("true"));
-        P().StartExternalEditor();
-        QCOMPARE(Boxes().size(), 1);
     }
 
     void saveWithFolderAndFilePermissions_data()
@@ -770,20 +656,6 @@ private slots:
         QCOMPARE(Boxes(), box.isEmpty() ? QStringList() : QStringList{box.replace("%1", path)});
     }
 
-    // File > Kill asks first; a file that cannot go is said.
-    void fileDelete()
-    {
-        const QString path = f->File(QStringLiteral("DEL.KVR"));
-        WriteAll(path, "X");
-        for (int i = 0; i < 2; ++i) {
-            f->prompts.fileNames.enqueue(path);
-            f->prompts.answers.enqueue(PromptAnswer::Yes);
-            P().FileDelete();
-        }
-        QVERIFY(!QFile::exists(path));
-        QCOMPARE(Boxes(), (QStringList{"Confirm deletion of file " + path, "Confirm deletion of file " + path,
-                                       "File not deleted, it may be write-protected or not a legal file name."}));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestEditor)

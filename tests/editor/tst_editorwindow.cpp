@@ -8,8 +8,6 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDialog>
-#include <QFontDatabase>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMdiArea>
@@ -353,22 +351,6 @@ private slots:
         QCOMPARE(Pool().Caption(Pool().ActiveIndex()), logical);
     }
 
-    // The chosen font is kept for the next start.
-    void font()
-    {
-        const int index = NewWithText(QStringLiteral("AB\r\nCDE"), 6);
-        QCOMPARE(Window(index)->findChild<QLabel *>(QStringLiteral("lblStatus"))->text(), QStringLiteral("Line 2, Col 3"));
-        const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-        m_prompts->fonts.enqueue(fixed);
-        Trigger(index, "mnuOFont");
-        QCOMPARE(Edit(index)->font().family(), fixed.family());
-        ReadSettings(m_context->settings, m_context->paths.SettingsFile(), m_context->paths.WindowsFolder());
-        EditorWindows next(*m_context, m_area);
-        auto *other = dynamic_cast<frmNotePad *>(next.Pool().Document(next.Pool().FileNew()));
-        QCOMPARE(other->Text1()->font().family(), fixed.family());
-        QCOMPARE(other->Text1()->font().pointSize(), fixed.pointSize());
-        other->Discard();
-    }
 };
 
 QTEST_MAIN(TestEditorWindow)

@@ -220,22 +220,6 @@ private slots:
         QVERIFY(text.isEmpty() || pages.last().last() == text.last()); // nothing lost, order kept
     }
 
-    // No tools set: no section; a value cleared is cleared in the file too.
-    void toolsSettings()
-    {
-        QTemporaryDir dir;
-        const QString ini = dir.filePath("KVR-PC.INI");
-        Settings s, read;
-        QVERIFY(WriteSettings(s, ini) && !ReadAll(ini).contains("[Tools]"));
-        s.programmerCommand = "minipro -p {device} -w {file}";
-        s.terminalCommand = "xterm";
-        QVERIFY(WriteSettings(s, ini));
-        s.terminalCommand.clear();
-        QVERIFY(WriteSettings(s, ini));
-        ReadSettings(read, ini, dir.path() + "/");
-        QCOMPARE(read.programmerCommand + '|' + read.terminalCommand, s.programmerCommand + '|');
-    }
-
     // Whatever commands this kvr has, each against its own section: the same
     // options, and every exit status its help names explained.
     void commandLinePage_data()
