@@ -2,13 +2,6 @@
 
 namespace kvr::test {
 
-void FakeEditorView::SetText(const QString &t)
-{
-    text = t;
-    selStart = 0;
-    selLength = 0;
-}
-
 void FakeEditorView::Apply(const EditAction &action)
 {
     if (action.changesText) {
@@ -20,30 +13,8 @@ void FakeEditorView::Apply(const EditAction &action)
 
 void FakeEditorView::Select(int start, int length)
 {
-    selStart = std::clamp(start, 0, static_cast<int>(text.size()));
-    selLength = std::clamp(length, 0, static_cast<int>(text.size()) - selStart);
-}
-
-bool FakeEditorView::Close()
-{
-    if (!m_pool.QueryClose(index))
-        return false;
-    closed = true;
-    m_pool.Unload(index);
-    return true;
-}
-
-void FakeEditorView::Discard()
-{
-    closed = true;
-    m_pool.Unload(index);
-}
-
-void FakeEditorView::ShowBackups(const QStringList &names, int selected)
-{
-    backups = names;
-    backupSelected = selected;
-    backupsShown = true;
+    selStart = std::clamp(start, 0, int(text.size()));
+    selLength = std::clamp(length, 0, int(text.size()) - selStart);
 }
 
 void FakeEditorView::Type(const QString &typed)
@@ -53,16 +24,8 @@ void FakeEditorView::Type(const QString &typed)
     action.start = selStart;
     action.removed = selLength;
     action.inserted = typed;
-    action.selStart = selStart + static_cast<int>(typed.size());
+    action.selStart = selStart + int(typed.size());
     Apply(action);
-}
-
-EditorView *FakeFactory::CreateView(EditorPool &pool, int index)
-{
-    auto *view = new FakeEditorView(pool, index);
-    view->setParent(&owner);
-    created << view;
-    return view;
 }
 
 PoolFixture::PoolFixture()
@@ -71,11 +34,6 @@ PoolFixture::PoolFixture()
     paths.Prepare();
     context = std::make_unique<AppContext>(paths, prompts, clock);
     pool = std::make_unique<EditorPool>(*context, factory);
-}
-
-FakeEditorView *PoolFixture::View(int index) const
-{
-    return dynamic_cast<FakeEditorView *>(pool->Document(index));
 }
 
 } // namespace kvr::test

@@ -20,17 +20,17 @@ public:
     QString Caption() const override { return caption; }
     void SetCaption(const QString &c) override { caption = c; }
     QString Text() const override { return text; }
-    void SetText(const QString &t) override;
+    void SetText(const QString &t) override { text = t, selStart = selLength = 0; }
     void Apply(const EditAction &action) override;
     int SelStart() const override { return selStart; }
     int SelLength() const override { return selLength; }
     void Select(int start, int length) override;
-    void Place(int i) override { index = i; placedAt = i; }
+    void Place(int i) override { index = i; }
     void Activate() override { ++activations; }
-    bool Close() override;
-    void Discard() override;
+    bool Close() override { return m_pool.QueryClose(index) && (Discard(), true); }
+    void Discard() override { closed = true, m_pool.Unload(index); }
     void ShowRecentFiles(const QStringList &entries) override { recent = entries; }
-    void ShowBackups(const QStringList &names, int selected) override;
+    void ShowBackups(const QStringList &names, int selected) override { backups = names, backupSelected = selected, backupsShown = true; }
     void HideBackups() override { backupsShown = false; }
     void RefreshOptions() override { ++refreshes; }
 
@@ -39,24 +39,20 @@ public:
 
     EditorPool &m_pool;
     int index = 0;
-    int placedAt = 0;
-    QString caption;
-    QString text;
-    int selStart = 0;
-    int selLength = 0;
-    int activations = 0;
-    int refreshes = 0;
-    bool closed = false;
-    QStringList recent;
-    QStringList backups;
-    int backupSelected = -1;
-    bool backupsShown = false;
+    QString caption, text;
+    int selStart = 0, selLength = 0, activations = 0, refreshes = 0, backupSelected = -1;
+    bool closed = false, backupsShown = false;
+    QStringList recent, backups;
 };
 
 class FakeFactory : public EditorViewFactory {
 public:
-    EditorView *CreateView(EditorPool &pool, int index) override;
-    QList<FakeEditorView *> created;
+    EditorView *CreateView(EditorPool &pool, int index) override
+    {
+        auto *view = new FakeEditorView(pool, index);
+        view->setParent(&owner);
+        return view;
+    }
     QObject owner;
 };
 
@@ -65,7 +61,7 @@ struct PoolFixture {
     PoolFixture();
     QString File(const QString &name) const { return dir.filePath(name); }
     // The fake window of pool slot `index`.
-    FakeEditorView *View(int index) const;
+    FakeEditorView *View(int index) const { return dynamic_cast<FakeEditorView *>(pool->Document(index)); }
 
     QTemporaryDir dir;
     ScriptedPrompts prompts;
