@@ -2,7 +2,6 @@
 
 #include <QByteArray>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QStringList>
 #include <memory>
 
@@ -13,10 +12,10 @@ class WireClient;
 // Runs the kvr-board program of the build for one test.
 class BoardRunner {
 public:
-    BoardRunner();
+    BoardRunner() { m_process.setProgram(Program()); }
     ~BoardRunner();
 
-    static QString Program();
+    static QString Program() { return qEnvironmentVariable("KVR_BIN_DIR") + QStringLiteral("/kvr-board"); }
 
     // Starts it and waits for its ready line; false (with the reason in
     // Failure()) when it ends or stays silent instead.
@@ -31,18 +30,17 @@ public:
 
     void SetEnvironment(const QProcessEnvironment &env) { m_process.setProcessEnvironment(env); }
     void SetWorkingDirectory(const QString &dir) { m_process.setWorkingDirectory(dir); }
-    QString ReadyLine() const { return m_readyLine; }
-    // The next line it prints after the ready line; empty when none comes.
-    QString NextLine(int timeoutMs = 5000);
     quint16 Port() const;
-    QString PtyPath() const;
+    QString PtyPath() const { return m_readyLine.startsWith(QLatin1String("pty ")) ? m_readyLine.mid(4) : QString(); }
     // The heartbeat port it reported on stderr, 0 when none.
     quint16 HeartbeatPort();
-    QByteArray Stderr();
+    QByteArray Stderr() { return m_stderr += m_process.readAllStandardError(); }
     QString Failure() const { return m_failure; }
     qint64 Pid() const { return m_process.processId(); }
 
 private:
+    int ExitCode() const { return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1; }
+
     QProcess m_process;
     QString m_readyLine;
     QByteArray m_stderr;

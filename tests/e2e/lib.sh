@@ -56,6 +56,7 @@ start_display() {
 # start_board [ARGS...]: starts kvr-board on a free port; sets BOARD_PORT.
 start_board() {
     local out="$E2E_DIR/board.out"
+    rm -f "$out"
     "$KVR_BIN_DIR/kvr-board" --port 0 --no-heartbeat "$@" >"$out" 2>"$E2E_DIR/board.err" &
     E2E_PIDS+=($!)
     BOARD_PID=$!
