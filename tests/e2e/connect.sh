@@ -88,12 +88,12 @@ typed "3 4 + ."
 screenshot serial-back
 
 # SIGTERM ends it as Exit does; unsaved text goes to a numbered backup.
-keys "$FRAME" Tab
+xdotool mousemove --window "$FRAME" 300 250 click 1   # into the editor
 type_text "$FRAME" ": KEPT 1 ;"
 kill -TERM "$PC_PID"
 wait_exit 10 "$PC_PID" || fail "kvr-pc ignored SIGTERM"
 [ ! -e "$lock" ] || fail "SIGTERM left the lock file"
-grep -qs ": KEPT 1 ;" "$E2E_DIR"/LONG.001.KVR "$SETTINGS_DIR"/program/UNTITLED.001.KVR || fail "unsaved text not kept"
+grep -qs ": KEPT 1 ;" "$E2E_DIR"/LONG.001.KVR "$SETTINGS_DIR"/program/UNTITLED.001.KVR || fail "unsaved text not kept: $(cd "$E2E_DIR" && find . -name "*.KVR" | grep -v LONG.KVR)"
 
 # --- A board that does not answer: the frame is painted while the start-up
 # line waits, and closing it ends the wait and the program at once.
