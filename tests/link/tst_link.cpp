@@ -10,6 +10,13 @@
 using namespace kvr;
 using ByteList = QList<QByteArray>;
 
+const QString NotResponding = QStringLiteral(
+    "KVR4410ANS NOT RESPONDING.  Please Check:\n\n1. power supply\n2. connections to PC\n"
+    "3. COM port selection from interactive window options menu.\n"
+    "4. Baud rate from interactive window options menu (KVR4410 & KVR6630 default to 9600 baud)\n"
+    "5. Timeout delay from interactive window options menu.\n\nIf characters are missing, especially during "
+    "compilation, increase intercharacter delay from interactive window options menu.");
+
 class TestLink : public QObject {
     Q_OBJECT
 
@@ -170,24 +177,11 @@ private slots:
             // the link cannot answer.
             QVERIFY(linkDown || f.clock.ticks - start >= 1000);
             QVERIFY(f.clock.ticks - start <= (linkDown ? 3u : 1003u));
+            QCOMPARE(f.prompts.MessageTexts().first(), NotResponding);
             QCOMPARE(f.prompts.shown.first().icon, PromptIcon::Exclamation);
             QCOMPARE(f.prompts.shown.first().caption, QStringLiteral("KVR-PC for Windows"));
         }
         QVERIFY(!f.link.IsWaiting());
-    }
-
-    void notRespondingText()
-    {
-        test::LinkFixture f;
-        f.context.settings.computerType = QStringLiteral("6630Fig");
-        f.link.NotResponding();
-        QCOMPARE(f.prompts.MessageTexts(),
-                 QStringList{"KVR6630Fig NOT RESPONDING.  Please Check:\n\n1. power supply\n2. connections to PC\n"
-                             "3. COM port selection from interactive window options menu.\n"
-                             "4. Baud rate from interactive window options menu (KVR4410 & KVR6630 default "
-                             "to 9600 baud)\n5. Timeout delay from interactive window options menu.\n\n"
-                             "If characters are missing, especially during compilation, increase "
-                             "intercharacter delay from interactive window options menu."});
     }
 
     void pauseAndBeep()
@@ -306,28 +300,6 @@ private slots:
         QCOMPARE(f.terminal.Screen().ScreenText(), QString());
     }
 
-    void upAndDownRecallLines()
-    {
-        test::LinkFixture f;
-        Terminal &terminal = f.terminal;
-        const auto press = [&](int key, int times = 1) {
-            for (int i = 0; i < times; ++i)
-                terminal.KeyPressed(key, Qt::NoModifier, QString());
-            return std::exchange(f.board.sent, QByteArray());
-        };
-        terminal.KeyTyped(QStringLiteral("1 2 +\r"));
-        terminal.KeyTyped(QStringLiteral("WORDS\r"));
-        terminal.KeyTyped(QStringLiteral("DU"));
-        f.board.sent.clear();
-        QCOMPARE(press(Qt::Key_Up), QByteArray("\b\bWORDS"));
-        QCOMPARE(press(Qt::Key_Up, 2), QByteArray("\b\b\b\b\b1 2 +")); // nothing older
-        QCOMPARE(press(Qt::Key_Down, 3), QByteArray("\b\b\b\b\bWORDS\b\b\b\b\b")); // nothing newer
-        for (int i = 0; i < 120; ++i)
-            terminal.KeyTyped(QStringLiteral("%1\r").arg(i));
-        QCOMPARE(terminal.History().Lines().size(), LineHistory::Capacity);
-        QCOMPARE(terminal.History().Lines().first(), QStringLiteral("20"));
-    }
-
     void pasteSendsLinesAndWaitsForEach()
     {
         test::LinkFixture f;
@@ -348,13 +320,6 @@ private slots:
     {
         test::LinkFixture f;
         Terminal &terminal = f.terminal;
-        QSignalSpy written(&f.context, &AppContext::SettingsWritten);
-        QVERIFY(terminal.CapsLockOn());
-        terminal.ToggleCapsLock();
-        QCOMPARE(f.context.settings.capsLock, QStringLiteral("OFF"));
-        terminal.ToggleCapsLock();
-        QCOMPARE(f.context.settings.capsLock, QStringLiteral("ON"));
-        QCOMPARE(written.size(), 2);
         terminal.Zap();
         QCOMPARE(f.board.lines, ByteList{"COLD"});
         // F2 halts a compile and interrupts the board; unanswered, it says so.
@@ -368,29 +333,6 @@ private slots:
         QCOMPARE(f.context.compileOutcome, CompileOutcome::HaltRequested);
         QCOMPARE(f.board.writes, (ByteList{QByteArray("\x03\x11\x1b ;"), "\r", "\r"}));
         QCOMPARE(f.prompts.MessageTexts(), QStringList());
-    }
-
-    void receivedBytesPaintAndBeep()
-    {
-        test::LinkFixture f;
-        QSignalSpy changed(&f.terminal, &Terminal::ScreenChanged);
-        f.board.Inject("2 3 + . 5  ok\r\n\x07");
-        f.terminal.ShowReceived();
-        QCOMPARE(f.terminal.Screen().Text(0), QStringLiteral("2 3 + . 5  ok"));
-        QCOMPARE(f.prompts.beeps, 1);
-        QVERIFY(!changed.isEmpty());
-        f.context.settings.quiet = QStringLiteral("ON");
-        f.board.Inject("\x07");
-        f.terminal.ShowReceived();
-        QCOMPARE(f.prompts.beeps, 1);
-        // With the timer off the bytes stay for the other reader.
-        QSignalSpy timer(&f.terminal, &Terminal::InputTimerChanged);
-        f.terminal.SetInputTimerEnabled(false);
-        QCOMPARE(timer.size(), 1);
-        f.board.Inject("reply\r\n");
-        f.terminal.Tick();
-        QCOMPARE(f.link.ReadBytes(), QByteArray("reply\r\n"));
-        QCOMPARE(f.terminal.Screen().Text(1), QString());
     }
 
     void endlessStreamStillReturns()
@@ -439,31 +381,6 @@ private slots:
         QVERIFY(clock.readings > 3);
         QCOMPARE(f.prompts.MessageTexts(), QStringList());
         QCOMPARE(terminal.Screen().ScreenText(), QString());
-    }
-
-    void captureRoundTrip()
-    {
-        test::LinkFixture f;
-        QSignalSpy open(&f.terminal, &Terminal::OpenInEditor);
-        test::WriteAll(f.dir.filePath(QStringLiteral("RUN.CAP")), "earlier\r\n");
-        const QString path = f.StartCapture(QStringLiteral("RUN.CAP"));
-        QVERIFY(f.terminal.IsCapturing());
-        QCOMPARE(f.prompts.shown.at(0).caption, QStringLiteral("Capture to file"));
-        QCOMPARE(f.prompts.shown.at(0).text, QStringLiteral("Capture files (*.cap);;All files (*.*)"));
-        QCOMPARE(f.prompts.shown.at(0).items.first(), QDir::current().filePath(QStringLiteral("TEMP.CAP")));
-        QCOMPARE(f.prompts.MessageTexts(), QStringList{"Now capturing input and appending it to end of file " + path});
-        QCOMPARE(f.context.settings.captureToDisk, path);
-
-        f.board.Inject(QByteArray("\x0c" "bytes \xff\x07\r\n", 11));
-        f.terminal.ShowReceived();
-        f.prompts.answers.enqueue(PromptAnswer::Yes);
-        f.terminal.ToggleCapture();
-        QVERIFY(!f.terminal.IsCapturing());
-        QCOMPARE(f.prompts.shown.last().text, "Stopped capturing to file " + path + ".\nDo you want to display it?");
-        QCOMPARE(f.prompts.shown.last().buttons, PromptButtons::YesNo);
-        QCOMPARE(test::ReadAll(path), QByteArray("earlier\r\n\x0c" "bytes \xff\x07\r\n", 20));
-        QCOMPARE(open.size(), 1);
-        QCOMPARE(open.first().first().toString(), path);
     }
 
     void captureOnAFullDiskGoesOn()

@@ -7,7 +7,6 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QPushButton>
-#include <QScrollBar>
 #include <QTcpServer>
 #include <QtTest>
 
@@ -90,34 +89,6 @@ private slots:
                 background += image.pixelColor(x, y) == QColor(0, 0, 128);
         QVERIFY(background > 0);
         QCOMPARE(f.link.BytesAvailable(), 0);
-    }
-
-    void scrollBackPaging()
-    {
-        test::LinkFixture f;
-        frmEmulator window(f.context, f.link);
-        window.resize(400, 300);
-        window.show();
-        QByteArray text;
-        for (int i = 0; i < 300; ++i)
-            text += "line " + QByteArray::number(i) + "\r\n";
-        window.Logic().ShowBytes(text);
-        auto *bar = window.findChild<QScrollBar *>(QStringLiteral("vsbScrollBack"));
-        QVERIFY(bar->maximum() > 0);
-        QCOMPARE(bar->value(), bar->maximum());
-        QTest::keyClick(&window, Qt::Key_PageUp, Qt::ShiftModifier);
-        const int paged = bar->value();
-        QVERIFY(paged < bar->maximum());
-        QVERIFY(f.board.sent.isEmpty()); // paging is not sent to the board
-        // New output does not pull a reader away from the scroll-back...
-        window.Logic().ShowBytes("more\r\n");
-        QCOMPARE(bar->value(), paged);
-        // ...until they page back to the bottom.
-        QTest::keyClick(&window, Qt::Key_PageDown, Qt::ShiftModifier);
-        QTest::keyClick(&window, Qt::Key_PageDown, Qt::ShiftModifier);
-        QCOMPARE(bar->value(), bar->maximum());
-        window.Logic().ShowBytes("last\r\n");
-        QCOMPARE(bar->value(), bar->maximum());
     }
 
     void remoteDialog()
