@@ -9,8 +9,15 @@ start_display
 lock="$SETTINGS_DIR/kvr-pc.lck"
 caption() { xdotool getwindowname "$FRAME" 2>/dev/null; }
 boxes() { xdotool search --onlyvisible --name '^KVR-PC for Windows$' 2>/dev/null | wc -l; }
-one_box() { [ "$(boxes)" -eq 1 ] || fail "$(boxes) message boxes $1"; keys "$(window_id '^KVR-PC for Windows$')" Return; }
 caption_says() { want=$2; wait_until "$1" eval 'caption | grep -q -- "$want"' || fail "caption not /$2/: $(caption)"; }
+# lose_board WHAT: the board ends; the caption says so and one message does.
+lose_board() {
+    kill -TERM "$BOARD_PID" && wait "$BOARD_PID" 2>/dev/null
+    caption_says 2 'link down: '
+    wait_until 2 eval '[ "$(boxes)" -ge 1 ]' || fail "no message $1"
+    [ "$(boxes)" -eq 1 ] || fail "$(boxes) message boxes $1"
+    keys "$(window_id '^KVR-PC for Windows$')" Return
+}
 # typed TEXT: typed into the terminal, it reaches the board's log.
 typed() {
     keys "$FRAME" alt+w i
@@ -77,10 +84,7 @@ keys "$(wait_window 10 '^KVR-PC for Windows$')" Escape
 keys "$FRAME" alt+w i
 keys "$FRAME" Tab F8
 wait_until 20 eval '[ "$(grep -c "^: L" "$log")" -gt 50 ]' || fail "compile did not start"
-kill -TERM "$BOARD_PID" && wait "$BOARD_PID" 2>/dev/null
-caption_says 2 'link down: '
-wait_until 2 eval '[ "$(boxes)" -ge 1 ]' || fail "no message about the lost link"
-one_box "for one lost link"
+lose_board "for one lost link"
 pty_board
 caption_says 3 ' - COM9$'
 [ "$(boxes)" -eq 0 ] || fail "a second message after the first"
@@ -130,10 +134,8 @@ FRAME=$(wait_window 20 "^KVR-PC for Windows - .* port $BOARD_PORT - connected$")
 wait_until 10 grep -q 'HRS W! START' "$log" || fail "TCP board not greeted"
 typed "5 6 + ."
 [ "$(grep -c 'HRS W! START' "$log")" -eq 1 ] || fail "the TCP board was greeted more than once"
-kill -TERM "$BOARD_PID" && wait "$BOARD_PID" 2>/dev/null
-caption_says 2 'link down: '
-wait_until 2 eval '[ "$(boxes)" -ge 1 ]' || fail "no message about the lost connection"
-one_box "for one lost connection"
+[ "$(boxes)" -eq 0 ] || fail "a message after the greeting"
+lose_board "for one lost connection"
 start_board --log "$log" --port "$BOARD_PORT"
 caption_says 3 ' - connected$'
 [ "$(boxes)" -eq 0 ] || fail "reconnecting asked something"

@@ -14,13 +14,8 @@ E2E_SHOTS=${KVR_E2E_SHOTS:-$KVR_BIN_DIR/../e2e-screenshots}
 mkdir -p "$E2E_SHOTS"
 
 e2e_cleanup() {
-    local pid
-    for pid in "${E2E_PIDS[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${E2E_PIDS[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
+    kill "${E2E_PIDS[@]}" 2>/dev/null || true
+    wait "${E2E_PIDS[@]}" 2>/dev/null || true
     rm -rf "$E2E_DIR"
 }
 trap e2e_cleanup EXIT
@@ -77,9 +72,7 @@ window_id() {
     xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1
 }
 
-has_window() {
-    [ -n "$(window_id "$1")" ]
-}
+has_window() { [ -n "$(window_id "$1")" ]; }
 
 visible_windows() {
     local wid
@@ -96,22 +89,12 @@ wait_window() {
     window_id "$name"
 }
 
+activate() { xdotool windowactivate --sync "$1" 2>/dev/null || xdotool windowfocus --sync "$1"; }
 # keys WINDOW KEY...: activates the window, then presses the keys in it.
 # --clearmodifiers: the Caps Lock option locks the keyboard's Caps Lock.
-keys() {
-    local wid=$1
-    shift
-    xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
-    xdotool key --clearmodifiers --delay 40 "$@"
-}
-
+keys() { activate "$1" && shift && xdotool key --clearmodifiers --delay 40 "$@"; }
 # type_text WINDOW TEXT: types into the focused window.
-type_text() {
-    local wid=$1
-    shift
-    xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
-    xdotool type --clearmodifiers --delay 30 "$*"
-}
+type_text() { activate "$1" && shift && xdotool type --clearmodifiers --delay 30 "$*"; }
 
 screenshot() {
     local file="$E2E_SHOTS/$E2E_NAME-$1.png"
@@ -119,13 +102,8 @@ screenshot() {
 }
 
 # wait_exit SECONDS PID: waits for the process to end.
-process_gone() {
-    ! kill -0 "$1" 2>/dev/null
-}
-
-wait_exit() {
-    wait_until "$1" process_gone "$2"
-}
+process_gone() { ! kill -0 "$1" 2>/dev/null; }
+wait_exit() { wait_until "$1" process_gone "$2"; }
 
 # crlf FILE: writes standard input to FILE with CR LF line ends.
 crlf() { sed 's/$/\r/' > "$1"; }
