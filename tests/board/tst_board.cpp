@@ -1,6 +1,6 @@
 // The simulated board as the PC sees it over TCP and its pseudo-terminal:
-// each type's dialect and words, the lines the PC's link, compiler and PROM
-// transfer send, and the wire and life of the program.
+// each type's dialect and words, and the lines the PC's link, compiler and
+// PROM transfer send.
 #include "BoardRunner.h"
 #include "WireClient.h"
 #include "app/Paths.h"
@@ -8,8 +8,6 @@
 #include "words/WordsDatabase.h"
 #include <QFile>
 #include <QSet>
-#include <QTcpServer>
-#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace kvr;
@@ -20,7 +18,6 @@ namespace {
 
 const QByteArray Startup = "        DECIMAL 21 11 2026 NOW 13 45 10 HRS ";
 const QByteArray Forget = "' JOB 2 - DUP @ CONTEXT @ ! 4 - DP !";
-const QStringList TcpArgs{QStringLiteral("--port"), QStringLiteral("0"), QStringLiteral("--no-heartbeat")};
 
 QByteArray ReadFile(const QString &path)
 {
@@ -173,7 +170,7 @@ private slots:
     {
         QFETCH(bool, pty);
         BoardRunner board;
-        QVERIFY2(board.Start(pty ? QStringList{QStringLiteral("--pty")} : TcpArgs), qPrintable(board.Failure()));
+        QVERIFY2(board.Start(pty ? QStringList{"--pty"} : QStringList{"--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
         const auto wire = pty ? WireClient::OpenPty(board.PtyPath()) : WireClient::ConnectTcp(board.Port());
         QVERIFY(wire);
         // It prints whole lines before it loops, so counting line ends
@@ -196,113 +193,6 @@ private slots:
         QCOMPARE(wire->ReadLine(), QByteArray("GRAB "));
         wire->Send(QByteArray("\x03\x04\x00\xFF\r\n", 6));
         QCOMPARE(wire->ReadLine(), QByteArray("285  ok"));
-    }
-
-    void flashOutlivesColdAndRestart()
-    {
-        QTemporaryDir dir;
-        const QStringList flash{QStringLiteral("--flash"), QStringLiteral("flash.bin")};
-        {
-            BoardRunner board;
-            board.SetWorkingDirectory(dir.path());
-            const auto wire = board.StartConnected(QStringLiteral("4410F"), flash);
-            QVERIFY2(wire, qPrintable(board.Failure()));
-            QCOMPARE(wire->Converse("$8800 C@ ."), QByteArray("$8800 C@ . 255  ok"));
-            QCOMPARE(wire->Converse("171 $8800 C! 205 $FB7F C! 9 $FB80 C!"), QByteArray("171 $8800 C! 205 $FB7F C! 9 $FB80 C!  ok"));
-            QCOMPARE(wire->Converse("COLD"), QByteArray("COLD "));
-            QVERIFY(wire->ReadLine().startsWith("KVR4410F"));
-            QCOMPARE(wire->Converse("$8800 C@ ."), QByteArray("$8800 C@ . 171  ok"));
-            QCOMPARE(board.Stop(), 0);
-        }
-        QByteArray expected(0xFB80 - 0x8800, '\xFF');
-        expected[0] = char(171);
-        expected[expected.size() - 1] = char(205);
-        QCOMPARE(ReadFile(dir.filePath(QStringLiteral("flash.bin"))), expected);
-        BoardRunner again;
-        again.SetWorkingDirectory(dir.path());
-        const auto wire = again.StartConnected(QStringLiteral("4410F"), flash);
-        QVERIFY2(wire, qPrintable(again.Failure()));
-        QCOMPARE(wire->Converse("$FB7F C@ ."), QByteArray("$FB7F C@ . 205  ok"));
-    }
-
-    // The log records lines as received; the heartbeat port stays silent;
-    // a new client replaces the old one.
-    void wireAndClients()
-    {
-        QTemporaryDir dir;
-        const QString log = dir.filePath(QStringLiteral("lines.log"));
-        BoardRunner board;
-        QVERIFY2(board.Start({"--port", "0", "--heartbeat-port", "0", "--log", log}),
-                 qPrintable(board.Failure()));
-        auto heartbeat = WireClient::ConnectTcp(board.HeartbeatPort());
-        auto first = WireClient::ConnectTcp(board.Port());
-        QVERIFY(heartbeat && first);
-        heartbeat->Send("anything\r");
-        QVERIFY(heartbeat->Silent(200));
-        QCOMPARE(first->Converse(": SQ DUP * ;"), QByteArray(": SQ DUP * ;  ok"));
-        auto second = WireClient::ConnectTcp(board.Port());
-        QVERIFY(first->WaitClosed(5000));
-        // CR LF from a terminal counts as one line end, and so does LF alone.
-        second->Send("AB\bC\r\n");
-        QVERIFY(!second->ReadLine().isNull());
-        second->Send("4 SQ .\n");
-        QCOMPARE(second->ReadLine(), QByteArray("4 SQ . 16  ok"));
-        QCOMPARE(ReadFile(log), QByteArray(": SQ DUP * ;\nAB\bC\n4 SQ .\n"));
-    }
-
-    void ptyLinkAndReopen()
-    {
-        QTemporaryDir dir;
-        const QString link = dir.filePath(QStringLiteral("ttyKVR"));
-        BoardRunner board;
-        QVERIFY2(board.Start({"--pty", "--link", link}), qPrintable(board.Failure()));
-        QCOMPARE(QFileInfo(link).symLinkTarget(), board.PtyPath());
-        QCOMPARE(WireClient::OpenPty(link)->Converse(": SEVEN 7 ;"), QByteArray(": SEVEN 7 ;  ok"));
-        // The port closed and opened again, as a PC program does.
-        QCOMPARE(WireClient::OpenPty(link)->Converse("SEVEN ."), QByteArray("SEVEN . 7  ok"));
-        QCOMPARE(board.Stop(), 0);
-        QVERIFY(!QFileInfo(link).isSymLink());
-    }
-
-    void refusesToStart_data()
-    {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<QString>("path"); // PATH for the board, empty: unchanged
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("message");
-        QTest::newRow("gforth missing") << QStringList{"--port", "0"} << "/nonexistent" << 1 << QByteArray("gforth is not installed");
-        QTest::newRow("unknown type") << QStringList{"--type", "8080"} << "" << 2 << QByteArray("unknown board type");
-        QTest::newRow("link over a file") << QStringList{"--pty", "--link", "@/precious"} << "" << 1 << QByteArray();
-        QTest::newRow("flash file of another size") << TcpArgs + QStringList{"--type", "4410F", "--flash", "@/flash.bin"}
-                                                    << "" << 1 << QByteArray();
-        QTest::newRow("heartbeat port taken") << QStringList{"--port", "0", "--heartbeat-port", "@"} << "" << 1
-                                              << QByteArray("heartbeat port");
-    }
-    void refusesToStart()
-    {
-        QFETCH(QStringList, args);
-        QFETCH(QString, path);
-        QFETCH(int, status);
-        QFETCH(QByteArray, message);
-        QTemporaryDir dir;
-        QTcpServer holder;
-        QVERIFY(holder.listen(QHostAddress::LocalHost));
-        for (QString &arg : args)
-            arg = arg == QLatin1String("@") ? QString::number(holder.serverPort()) : arg.replace(u'@', dir.path());
-        for (const QString &name : {QStringLiteral("precious"), QStringLiteral("flash.bin")}) {
-            QFile file(dir.filePath(name));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write("keep me") == 7);
-        }
-        BoardRunner board;
-        if (!path.isEmpty()) {
-            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-            env.insert(QStringLiteral("PATH"), path);
-            board.SetEnvironment(env);
-        }
-        QCOMPARE(board.RunToEnd(args), status);
-        QVERIFY2(board.Stderr().contains(message), board.Stderr().constData());
-        QCOMPARE(ReadFile(dir.filePath(QStringLiteral("precious"))) + ReadFile(dir.filePath(QStringLiteral("flash.bin"))),
-                 QByteArray("keep mekeep me"));
     }
 };
 
