@@ -96,39 +96,35 @@ private slots:
 
     void writeShapes_data()
     {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("delay4410");
-        QTest::addColumn<QString>("delay6630");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("addCR");
+        QTest::addColumn<QString>("type"); // empty: a link that cannot be used
+        QTest::addColumn<QStringList>("delays"); // KVR4410, KVR6630
+        QTest::addColumn<QString>("text");       // a final CR: sent with one
         QTest::addColumn<ByteList>("writes");
-        QTest::newRow("delay 0: whole text then lone CR") << "4410ANS" << "0" << "0" << "2 3 + ." << true
-                                                          << ByteList{"2 3 + .", "\r"};
-        QTest::newRow("delay set: one write per character") << "4410ANS" << "3" << "0" << "AB" << true
-                                                            << ByteList{"A", "B", "\r"};
-        QTest::newRow("6630 uses the 6630 delay") << "6630Fig" << "0" << "2" << "AB" << false << ByteList{"A", "B"};
-        QTest::newRow("6630 ignores the 4410 delay") << "6630Fig" << "7" << "0" << "AB" << false << ByteList{"AB"};
-        QTest::newRow("Terminal uses the 4410 delay") << "Terminal" << "0" << "9" << "AB" << false << ByteList{"AB"};
-        QTest::newRow("fractional delay is not 0") << "4410ANS" << "0.5" << "0" << "AB" << false << ByteList{"A", "B"};
-        QTest::newRow("uncalibrated -1 still paces") << "4410ANS" << "-1" << "0" << "AB" << false << ByteList{"A", "B"};
-        QTest::newRow("Latin-1 byte survives") << "4410ANS" << "0" << "0" << QString(QChar(0xE9)) << false
-                                               << ByteList{"\xE9"};
-        QTest::newRow("nothing on an unusable link") << "" << "0" << "0" << "COLD" << true << ByteList{};
+        const auto row = [](const char *name, const char *type, const QStringList &delays, const QString &text,
+                            const ByteList &writes) { QTest::newRow(name) << QString(type) << delays << text << writes; };
+        row("delay 0: whole text then lone CR", "4410ANS", {"0", "0"}, "2 3 + .\r", {"2 3 + .", "\r"});
+        row("delay set: one write per character", "4410ANS", {"3", "0"}, "AB\r", {"A", "B", "\r"});
+        row("6630 uses the 6630 delay", "6630Fig", {"0", "2"}, "AB", {"A", "B"});
+        row("6630 ignores the 4410 delay", "6630Fig", {"7", "0"}, "AB", {"AB"});
+        row("Terminal uses the 4410 delay", "Terminal", {"0", "9"}, "AB", {"AB"});
+        row("fractional delay is not 0", "4410ANS", {"0.5", "0"}, "AB", {"A", "B"});
+        row("uncalibrated -1 still paces", "4410ANS", {"-1", "0"}, "AB", {"A", "B"});
+        row("Latin-1 byte survives", "4410ANS", {"0", "0"}, QString(QChar(0xE9)), {"\xE9"});
+        row("nothing on an unusable link", "", {"0", "0"}, "COLD\r", {});
     }
     void writeShapes()
     {
         QFETCH(QString, type);
-        QFETCH(QString, delay4410);
-        QFETCH(QString, delay6630);
+        QFETCH(QStringList, delays);
         QFETCH(QString, text);
-        QFETCH(bool, addCR);
         QFETCH(ByteList, writes);
         test::LinkFixture f;
         f.board.SetUsable(!type.isEmpty());
         f.context.settings.computerType = type.isEmpty() ? QStringLiteral("4410ANS") : type;
-        f.context.settings.delay4410 = delay4410;
-        f.context.settings.delay6630 = delay6630;
-        f.link.SendText(text, addCR);
+        f.context.settings.delay4410 = delays.at(0);
+        f.context.settings.delay6630 = delays.at(1);
+        const bool addCR = text.endsWith(QLatin1Char('\r'));
+        f.link.SendText(addCR ? text.chopped(1) : text, addCR);
         QCOMPARE(f.board.writes, writes);
     }
 
