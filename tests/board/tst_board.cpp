@@ -157,43 +157,6 @@ private slots:
         // The board is at its prompt again.
         QCOMPARE(wire->Converse("1 2 + ."), QByteArray("1 2 + . 3  ok"));
     }
-
-    // What the PC sends on F2 breaks a running program, over either link;
-    // the program the PROM transfer runs takes those bytes as data.
-    void interruptAndBinaryBytes_data()
-    {
-        QTest::addColumn<bool>("pty");
-        QTest::newRow("tcp") << false;
-        QTest::newRow("pty") << true;
-    }
-    void interruptAndBinaryBytes()
-    {
-        QFETCH(bool, pty);
-        BoardRunner board;
-        QVERIFY2(board.Start(pty ? QStringList{"--pty"} : QStringList{"--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
-        const auto wire = pty ? WireClient::OpenPty(board.PtyPath()) : WireClient::ConnectTcp(board.Port());
-        QVERIFY(wire);
-        // It prints whole lines before it loops, so counting line ends
-        // cannot tell the board is busy.
-        const QByteArray spin = ": SPIN CR .\" spinning\" CR BEGIN AGAIN ;";
-        QCOMPARE(wire->Converse(spin), spin + "  ok");
-        wire->Send("SPIN\r");
-        QCOMPARE(wire->ReadLine(), QByteArray("SPIN "));
-        QCOMPARE(wire->ReadLine(), QByteArray("spinning"));
-        QVERIFY(wire->ReadLine(300).isNull()); // busy: no reply
-        wire->Send(QByteArray("\x03\x11\x1b ;\r", 6));
-        QVERIFY(wire->ReadLine().startsWith("SPIN ?  - "));
-        QVERIFY(!wire->ReadLine().isNull()); // the reply to " ;"
-        QCOMPARE(wire->Converse(""), QByteArray("  ok"));
-        QCOMPARE(wire->Converse("1 2 + ."), QByteArray("1 2 + . 3  ok"));
-        if (pty)
-            return;
-        QCOMPARE(wire->Converse(": GRAB CR 0 6 0 DO KEY + LOOP . ;"), QByteArray(": GRAB CR 0 6 0 DO KEY + LOOP . ;  ok"));
-        wire->Send("GRAB\r");
-        QCOMPARE(wire->ReadLine(), QByteArray("GRAB "));
-        wire->Send(QByteArray("\x03\x04\x00\xFF\r\n", 6));
-        QCOMPARE(wire->ReadLine(), QByteArray("285  ok"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestBoard)

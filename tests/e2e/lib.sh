@@ -130,23 +130,18 @@ answer_boxes() {
 # --log "$E2E_DIR/board.log", past the connect message and the board's
 # greeting; sets FRAME.
 start_connected() {
-    local log="$E2E_DIR/board.log" before deadline=$((SECONDS + 30))
+    local log="$E2E_DIR/board.log" before
     before=$(wc -l < "$log")
     start_pc --simulator "127.0.0.1:$BOARD_PORT" "$1"
     # The connect message shares its title with the frame's first caption:
-    # answer whatever carries that title until the frame says "connected".
-    FRAME=""
-    while [ -z "$FRAME" ]; do
-        [ $SECONDS -lt $deadline ] || fail "not connected; windows: $(visible_windows)"
-        answer_boxes
-        sleep 0.3
-        FRAME=$(window_id '^KVR-PC for Windows - .* - connected$') || true
-    done
-    # The caption says connected while the connect message may still be up.
+    # answer whatever carries that title until the frame says "connected"
+    # and the board has its start-up line.
     greeted() {
-        tail -n +$((before + 1)) "$log" | grep -q START && ! has_window '^KVR-PC for Windows$' && return 0
+        FRAME=$(window_id '^KVR-PC for Windows - .* - connected$')
+        [ -n "$FRAME" ] && tail -n +$((before + 1)) "$log" | grep -q START && ! has_window '^KVR-PC for Windows$' \
+            && return 0
         answer_boxes
         return 1
     }
-    wait_until 20 greeted || fail "board not greeted"
+    wait_until 30 greeted || fail "not connected and greeted; windows: $(visible_windows)"
 }

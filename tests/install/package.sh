@@ -56,15 +56,6 @@ for command in $commands; do
     done
 done
 
-# Completion offers the commands and each command's options.
-completion=$(PATH="$root/usr/bin:$PATH" bash -c '
-    source "$1"
-    COMP_WORDS=(kvr co); COMP_CWORD=1; _kvr; echo "${COMPREPLY[*]}"
-    COMP_WORDS=(kvr compile --qu); COMP_CWORD=2; _kvr; echo "${COMPREPLY[*]}"' _ \
-    "$root/usr/share/bash-completion/completions/kvr")
-[ "$(sed -n 1p <<<"$completion")" = compile ] || fail "completion of 'kvr co': $completion"
-[ "$(sed -n 2p <<<"$completion")" = "--quick --quiet" ] || fail "completion of 'kvr compile --qu': $completion"
-
 # Help needs no display.
 env -u DISPLAY QT_QPA_PLATFORM= "$root/usr/bin/kvr-pc" --help | grep -q '^Usage: kvr-pc' \
     || fail "kvr-pc --help does not answer without a display"

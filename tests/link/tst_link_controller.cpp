@@ -143,33 +143,6 @@ private slots:
             QCOMPARE(f.controller.StatusText(), QStringLiteral("Remote KVR computer - not connected"));
     }
 
-    void portsAtStart()
-    {
-        Fixture f;
-        f.context.settings.serialDevices.remove(QStringLiteral("COM12"));
-        f.controller.SelectPort(12);
-        QCOMPARE(f.prompts.MessageTexts(), QStringList{"Com port 12 not available"});
-        // A saved port that cannot open falls back to COM1, saved.
-        f.prompts.Clear();
-        f.context.settings.commPort = QStringLiteral("COM3");
-        f.context.settings.serialDevices[QStringLiteral("COM3")] = f.dir.filePath(QStringLiteral("no-such-tty"));
-        QSignalSpy ports(&f.controller, &LinkController::PortChanged);
-        f.controller.OpenAtStart();
-        QCOMPARE(f.prompts.MessageTexts(), QStringList{"No serial port available"});
-        QCOMPARE(ports.last().first().toInt(), -1);
-        Settings saved;
-        ReadSettings(saved, f.context.paths.SettingsFile(), f.context.paths.WindowsFolder());
-        QCOMPARE(saved.commPort, QStringLiteral("COM1"));
-        // TCP at start waits to be asked.
-        f.prompts.Clear();
-        f.context.settings.commPort = QStringLiteral("COM0");
-        f.controller.OpenAtStart();
-        QCOMPARE(ports.last().first().toInt(), 0);
-        QVERIFY(!f.controller.IsTcpConnected());
-        QVERIFY(!f.data.waitForNewConnection(100));
-        QVERIFY(f.prompts.MessageTexts().isEmpty());
-    }
-
     void serialOverPty()
     {
         Pty pty;
