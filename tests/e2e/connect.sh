@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Start and connect: a first start on a fresh configuration and its lock;
-# a serial board (the board's pseudo-terminal) that answers in the terminal,
-# stops mid-compile and comes back; a TCP board restarted on its port; a
-# board that does not answer at start-up; kvr-pc ended by a signal.
+# a serial board (the board's pseudo-terminal) that does not answer at
+# start-up, then answers in the terminal, stops mid-compile and comes back;
+# kvr-pc ended by a signal; a TCP board restarted on its port.
 source "$(dirname "$0")/lib.sh"
 
 start_display
@@ -31,8 +31,7 @@ typed() {
 start_pc
 FRAME=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM1$')
 first=$PC_PID
-wait_until 5 test -f "$SETTINGS_DIR/KVR-PC.INI" || fail "no settings file"
-grep -q $'^KVR-PC version=3.20\r$' "$SETTINGS_DIR/KVR-PC.INI" || fail "no version 3.20 in the settings"
+wait_until 5 grep -q $'^KVR-PC version=3.20\r$' "$SETTINGS_DIR/KVR-PC.INI" || fail "no settings file of version 3.20"
 test -f "$lock" || fail "no lock file"
 # Without a usable /dev/ttyS0 the terminal first says COM1 could not open.
 wait_until 20 eval 'has_window "^Welcome to KVR-PC for Windows$" || { answer_boxes; false; }' \
@@ -61,8 +60,27 @@ Communications port=COM9
 [Serial devices]
 COM9=$device
 INI
-for i in $(seq 1 5000); do printf ': L%d 1 ;\r\n' "$i"; done >"$E2E_DIR/LONG.KVR"
+sed -i 's/^Timeout=3000/Timeout=8000/' "$SETTINGS_DIR/KVR-PC.INI"
+# A board that does not answer: the frame is painted while the start-up
+# line waits, and closing it ends the wait and the program at once.
 pty_board
+kill -STOP "$BOARD_PID"
+trap 'kill -CONT "$BOARD_PID" 2>/dev/null; e2e_cleanup' EXIT
+start_pc
+FRAME=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM9$')
+painted() {
+    import -window "$FRAME" "$E2E_DIR/silent.png" 2>/dev/null || return 1
+    [ "$(convert "$E2E_DIR/silent.png" -format %k info:)" -gt 16 ]
+}
+wait_until 5 painted || fail "frame not painted while the board is silent"
+[ "$(boxes)" -eq 0 ] || fail "the time-out ran out before the frame was painted"
+xdotool windowactivate --sync "$FRAME" 2>/dev/null || true
+xdotool key alt+F4
+wait_exit 2 "$PC_PID" || fail "kvr-pc did not end within 2 s of closing its frame during a wait"
+[ ! -e "$lock" ] || fail "the lock file was left behind"
+kill -CONT "$BOARD_PID"
+
+for i in $(seq 1 5000); do printf ': L%d 1 ;\r\n' "$i"; done >"$E2E_DIR/LONG.KVR"
 start_pc "$E2E_DIR/LONG.KVR"
 FRAME=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM9$')
 wait_until 10 grep -q 'HRS W! START' "$log" || fail "board not greeted"
@@ -89,7 +107,6 @@ pty_board
 caption_says 3 ' - COM9$'
 [ "$(boxes)" -eq 0 ] || fail "a second message after the first"
 typed "3 4 + ."
-screenshot serial-back
 
 # SIGTERM ends it as Exit does; unsaved text goes to a numbered backup.
 xdotool mousemove --window "$FRAME" 300 250 click 1   # into the editor
@@ -98,32 +115,6 @@ kill -TERM "$PC_PID"
 wait_exit 10 "$PC_PID" || fail "kvr-pc ignored SIGTERM"
 [ ! -e "$lock" ] || fail "SIGTERM left the lock file"
 grep -qs ": KEPT 1 ;" "$E2E_DIR"/LONG.001.KVR "$SETTINGS_DIR"/program/UNTITLED.001.KVR || fail "unsaved text not kept: $(cd "$E2E_DIR" && find . -name "*.KVR" | grep -v LONG.KVR)"
-
-# --- A board that does not answer: the frame is painted while the start-up
-# line waits, and closing it ends the wait and the program at once.
-kill -STOP "$BOARD_PID"
-trap 'kill -CONT "$BOARD_PID" 2>/dev/null; e2e_cleanup' EXIT
-SETTINGS_DIR="$E2E_DIR/silent"
-lock="$SETTINGS_DIR/kvr-pc.lck"
-write_settings <<INI
-Communications port=COM9
-[Serial devices]
-COM9=$device
-INI
-sed -i 's/^Timeout=3000/Timeout=8000/' "$SETTINGS_DIR/KVR-PC.INI"
-start_pc
-FRAME=$(wait_window 20 '^KVR-PC for Windows - KVR4410 ANS Forth - COM9$')
-painted() {
-    import -window "$FRAME" "$E2E_DIR/silent.png" 2>/dev/null || return 1
-    [ "$(convert "$E2E_DIR/silent.png" -format %k info:)" -gt 16 ]
-}
-wait_until 5 painted || fail "frame not painted while the board is silent"
-[ "$(boxes)" -eq 0 ] || fail "the time-out ran out before the frame was painted"
-xdotool windowactivate --sync "$FRAME" 2>/dev/null || true
-xdotool key alt+F4
-wait_exit 2 "$PC_PID" || fail "kvr-pc did not end within 2 s of closing its frame during a wait"
-[ ! -e "$lock" ] || fail "the lock file was left behind"
-kill -CONT "$BOARD_PID"
 
 # --- TCP: greeted once; the board restarted on its port is found again.
 log="$E2E_DIR/tcp.log"
@@ -140,7 +131,6 @@ start_board --log "$log" --port "$BOARD_PORT"
 caption_says 3 ' - connected$'
 [ "$(boxes)" -eq 0 ] || fail "reconnecting asked something"
 typed "7 8 + ."
-screenshot tcp-back
 kill -TERM "$PC_PID"
 wait_exit 10 "$PC_PID" || fail "kvr-pc ignored SIGTERM"
 echo "connect: ok"

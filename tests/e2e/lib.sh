@@ -20,17 +20,12 @@ e2e_cleanup() {
 }
 trap e2e_cleanup EXIT
 
-fail() {
-    echo "FAIL: $*" >&2
-    screenshot "failure" || true
-    exit 1
-}
+fail() { echo "FAIL: $*" >&2; screenshot "failure" || true; exit 1; }
 
 # wait_until SECONDS COMMAND...: polls COMMAND until it succeeds.
 wait_until() {
-    local seconds=$1
+    local deadline=$((SECONDS + $1))
     shift
-    local deadline=$((SECONDS + seconds))
     until "$@" >/dev/null 2>&1; do
         [ $SECONDS -lt $deadline ] || return 1
         sleep 0.1
@@ -53,8 +48,7 @@ start_board() {
     local out="$E2E_DIR/board.out"
     rm -f "$out"
     "$KVR_BIN_DIR/kvr-board" --port 0 --no-heartbeat "$@" >"$out" 2>"$E2E_DIR/board.err" &
-    E2E_PIDS+=($!)
-    BOARD_PID=$!
+    BOARD_PID=$! && E2E_PIDS+=($!)
     wait_until 10 grep -q '^listening on' "$out" || fail "kvr-board did not start: $(cat "$E2E_DIR/board.err")"
     BOARD_PORT=$(sed -n 's/^listening on [0-9.]*:\([0-9]*\).*/\1/p' "$out" | head -n1)
 }
@@ -63,22 +57,17 @@ start_board() {
 SETTINGS_DIR="$E2E_DIR/settings"
 start_pc() {
     "$KVR_BIN_DIR/kvr-pc" --settings-dir "$SETTINGS_DIR" "$@" >>"$E2E_DIR/pc.log" 2>&1 &
-    PC_PID=$!
-    E2E_PIDS+=($PC_PID)
+    PC_PID=$! && E2E_PIDS+=($PC_PID)
 }
 
 # window_id NAME-REGEX: the first visible window whose title matches.
-window_id() {
-    xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1
-}
+window_id() { xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1; }
 
 has_window() { [ -n "$(window_id "$1")" ]; }
 
 visible_windows() {
     local wid
-    for wid in $(xdotool search --onlyvisible --name . 2>/dev/null); do
-        printf '%s|' "$(xdotool getwindowname "$wid" 2>/dev/null)"
-    done
+    for wid in $(xdotool search --onlyvisible --name . 2>/dev/null); do printf '%s|' "$(xdotool getwindowname "$wid")"; done
 }
 
 # wait_window SECONDS NAME-REGEX: waits for the window; prints its id.
@@ -96,10 +85,7 @@ keys() { activate "$1" && shift && xdotool key --clearmodifiers --delay 40 "$@";
 # type_text WINDOW TEXT: types into the focused window.
 type_text() { activate "$1" && shift && xdotool type --clearmodifiers --delay 30 "$*"; }
 
-screenshot() {
-    local file="$E2E_SHOTS/$E2E_NAME-$1.png"
-    import -window root "$file" 2>/dev/null && echo "screenshot: $file"
-}
+screenshot() { import -window root "$E2E_SHOTS/$E2E_NAME-$1.png" 2>/dev/null && echo "screenshot: $E2E_SHOTS/$E2E_NAME-$1.png"; }
 
 # wait_exit SECONDS PID: waits for the process to end.
 process_gone() { ! kill -0 "$1" 2>/dev/null; }

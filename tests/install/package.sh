@@ -4,9 +4,7 @@
 source "$KVR_SOURCE_DIR/tests/e2e/lib.sh"
 build="$KVR_BIN_DIR/.."
 
-for tool in cpack dpkg-deb; do
-    command -v "$tool" >/dev/null || { echo "SKIP: $tool is not installed"; exit 0; }
-done
+command -v cpack >/dev/null && command -v dpkg-deb >/dev/null || { echo "SKIP: cpack or dpkg-deb missing"; exit 0; }
 
 cpack --config "$build/CPackConfig.cmake" -B "$E2E_DIR/package" >"$E2E_DIR/cpack.log" 2>&1 \
     || fail "cpack failed: $(tail -n 5 "$E2E_DIR/cpack.log")"
@@ -30,8 +28,7 @@ while IFS= read -r file; do expect "usr/share/kvr-pc/$file"; done < <(
 
 depends=$(dpkg-deb -f "$deb" Depends)
 while read -r role package; do
-    [ "$role" = run ] || continue
-    [[ ", $depends," == *", $package,"* ]] || fail "Depends lacks $package: $depends"
+    [ "$role" != run ] || [[ ", $depends," == *", $package,"* ]] || fail "Depends lacks $package: $depends"
 done <"$KVR_SOURCE_DIR/scripts/packages.list"
 
 root="$E2E_DIR/root"
@@ -49,8 +46,7 @@ fi
 # The manual page of kvr carries every command's options.
 zcat "$root/usr/share/man/man1/kvr.1.gz" >"$E2E_DIR/kvr.1"
 commands=$("$root/usr/bin/kvr" --help | awk '/^Commands:/ { on = 1; next } on && NF == 0 { exit } on { print $1 }')
-[ -n "$commands" ] || fail "kvr --help lists no commands"
-for command in $commands; do
+for command in ${commands:?kvr --help lists no commands}; do
     for option in $("$root/usr/bin/kvr" "$command" --help | grep -o -- '--[a-z][a-z-]*' | sort -u); do
         grep -q -- "${option//-/\\\\-}\|$option" "$E2E_DIR/kvr.1" || fail "kvr(1) lacks $command $option"
     done

@@ -1,7 +1,6 @@
 #include "LinkFixture.h"
 #include "link/ui/frmEmulator.h"
 #include "link/ui/frmRemote.h"
-#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiArea>
@@ -38,18 +37,6 @@ private slots:
         QCOMPARE(window->Logic().Screen().ScreenText(), QString());
         f.board.Inject("HELLO WORLD\r\n");
         QTRY_COMPARE(window->Logic().Screen().Text(0), QStringLiteral("HELLO WORLD"));
-        // Dragging over the first line selects it; trailing blanks are left out.
-        QTest::mousePress(window, Qt::LeftButton, {}, QPoint(1, 2));
-        QMouseEvent move(QEvent::MouseMove, QPointF(window->width() - 40, 2), window->mapToGlobal(QPointF(0, 0)),
-                         Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(window, &move);
-        QCOMPARE(window->SelectedText(), QStringLiteral("HELLO WORLD"));
-        QTest::keyClick(window, Qt::Key_Insert, Qt::ControlModifier);
-        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("HELLO WORLD"));
-        QGuiApplication::clipboard()->setText(QStringLiteral("1 2 +\n."));
-        f.board.sent.clear();
-        QTest::keyClick(window, Qt::Key_Insert, Qt::ShiftModifier);
-        QCOMPARE(f.board.sent, QByteArray("1 2 +\r."));
         // Any bytes at all, NULs and a cursor sent up past the top, paint.
         QByteArray bytes;
         for (int code = 0; code < 256 * 50; ++code)
