@@ -120,9 +120,9 @@ grep -qs ": KEPT 1 ;" "$E2E_DIR"/LONG.001.KVR "$SETTINGS_DIR"/program/UNTITLED.0
 log="$E2E_DIR/tcp.log"
 start_board --log "$log"
 start_pc --simulator "127.0.0.1:$BOARD_PORT"
-keys "$(wait_window 20 '^KVR-PC for Windows$')" Return   # "Connected to IP address ..."
+# "Connected to IP address ..." and the note on the text kept at SIGTERM.
+wait_until 20 eval 'grep -q "HRS W! START" "$log" || { answer_boxes; false; }' || fail "TCP board not greeted"
 FRAME=$(wait_window 20 "^KVR-PC for Windows - .* port $BOARD_PORT - connected$")
-wait_until 10 grep -q 'HRS W! START' "$log" || fail "TCP board not greeted"
 typed "5 6 + ."
 [ "$(grep -c 'HRS W! START' "$log")" -eq 1 ] || fail "the TCP board was greeted more than once"
 [ "$(boxes)" -eq 0 ] || fail "a message after the greeting"
