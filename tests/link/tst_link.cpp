@@ -75,13 +75,13 @@ private slots:
     void screenScrollsAndCounts()
     {
         ScreenModel screen(3, 2);
-        QCOMPARE(screen.Feed("\x07" "1\r\n2\r\n3\x07\x07\r\n4\r\n5"), 3);
+        QCOMPARE(screen.Feed("\x07" "1\r\n2\r\n3\x07\x07\r\n4\r\n5\r\n6"), 3);
         QCOMPARE(screen.Row(), 2);
-        QCOMPARE(screen.ScreenText(), QStringLiteral("3\n4\n5"));
+        QCOMPARE(screen.ScreenText(), QStringLiteral("4\n5\n6"));
         // The scroll-back keeps only its limit, oldest dropped first.
         QCOMPARE(screen.ScrollBack().size(), 2);
-        QCOMPARE(screen.ScrollBack().at(0).trimmed(), QStringLiteral("1"));
-        QCOMPARE(screen.ScrollBack().at(1).trimmed(), QStringLiteral("2"));
+        QCOMPARE(screen.ScrollBack().at(0).trimmed(), QStringLiteral("2"));
+        QCOMPARE(screen.ScrollBack().at(1).trimmed(), QStringLiteral("3"));
         ScreenModel cleared(10, 100);
         cleared.Feed("a\r\nb\x0c");
         QCOMPARE(cleared.ScrollBack().size(), 2);
