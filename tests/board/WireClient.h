@@ -1,18 +1,14 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
-
 #include <memory>
 
 namespace kvr::test {
 
-// The PC's end of the board's wire, as plain file descriptors: a TCP socket
-// or the pseudo-terminal opened like a serial port.
+// The PC's end of the board's wire, as a plain TCP socket.
 class WireClient {
 public:
     static std::unique_ptr<WireClient> ConnectTcp(quint16 port);
-    static std::unique_ptr<WireClient> OpenPty(const QString &path);
     ~WireClient();
     WireClient(const WireClient &) = delete;
     WireClient &operator=(const WireClient &) = delete;
@@ -21,23 +17,13 @@ public:
     // One line through its line feed, CR LF removed; null when none came in time.
     QByteArray ReadLine(int timeoutMs = 5000);
     // Sends the line with a carriage return and reads the one reply line.
-    QByteArray Converse(const QByteArray &line, int timeoutMs = 5000);
-    // Reads lines until the board's reply ends: a line ending in "ok" or
-    // holding the error marker. All lines, CR LF removed; empty on time-out.
-    QList<QByteArray> ReadReply(int timeoutMs = 5000);
-    // True when nothing at all arrives within the time.
-    bool Silent(int ms);
-    // True when the other end closes within the time.
-    bool WaitClosed(int timeoutMs);
-    void Close();
+    QByteArray Converse(const QByteArray &line, int timeoutMs = 5000) { return Send(line + '\r'), ReadLine(timeoutMs); }
 
 private:
     explicit WireClient(int fd) : m_fd(fd) {}
-    bool Fill(int timeoutMs);   // false on time-out or end
 
     int m_fd;
     QByteArray m_buffer;
-    bool m_ended = false;
 };
 
 }  // namespace kvr::test

@@ -17,11 +17,9 @@ spawn_board() {
     shift
     "$BIN/kvr-board" --port 0 --no-heartbeat --log "$work/$name.log" "$@" > "$work/$name.out" 2> "$work/$name.err" &
     spawned_pid=$!
-    spawned_port=""
     for _ in $(seq 1 200); do
         spawned_port=$(sed -n 's/^listening on 127\.0\.0\.1:\([0-9]*\)$/\1/p' "$work/$name.out")
-        [ -n "$spawned_port" ] && break
-        kill -0 "$spawned_pid" 2>/dev/null || break
+        [ -z "$spawned_port" ] && kill -0 "$spawned_pid" 2>/dev/null || break
         sleep 0.05
     done
 }

@@ -14,28 +14,18 @@ E2E_SHOTS=${KVR_E2E_SHOTS:-$KVR_BIN_DIR/../e2e-screenshots}
 mkdir -p "$E2E_SHOTS"
 
 e2e_cleanup() {
-    local pid
-    for pid in "${E2E_PIDS[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${E2E_PIDS[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
+    kill "${E2E_PIDS[@]}" 2>/dev/null || true
+    wait "${E2E_PIDS[@]}" 2>/dev/null || true
     rm -rf "$E2E_DIR"
 }
 trap e2e_cleanup EXIT
 
-fail() {
-    echo "FAIL: $*" >&2
-    screenshot "failure" || true
-    exit 1
-}
+fail() { echo "FAIL: $*" >&2; screenshot "failure" || true; exit 1; }
 
 # wait_until SECONDS COMMAND...: polls COMMAND until it succeeds.
 wait_until() {
-    local seconds=$1
+    local deadline=$((SECONDS + $1))
     shift
-    local deadline=$((SECONDS + seconds))
     until "$@" >/dev/null 2>&1; do
         [ $SECONDS -lt $deadline ] || return 1
         sleep 0.1
@@ -56,9 +46,9 @@ start_display() {
 # start_board [ARGS...]: starts kvr-board on a free port; sets BOARD_PORT.
 start_board() {
     local out="$E2E_DIR/board.out"
+    rm -f "$out"
     "$KVR_BIN_DIR/kvr-board" --port 0 --no-heartbeat "$@" >"$out" 2>"$E2E_DIR/board.err" &
-    E2E_PIDS+=($!)
-    BOARD_PID=$!
+    BOARD_PID=$! && E2E_PIDS+=($!)
     wait_until 10 grep -q '^listening on' "$out" || fail "kvr-board did not start: $(cat "$E2E_DIR/board.err")"
     BOARD_PORT=$(sed -n 's/^listening on [0-9.]*:\([0-9]*\).*/\1/p' "$out" | head -n1)
 }
@@ -67,24 +57,17 @@ start_board() {
 SETTINGS_DIR="$E2E_DIR/settings"
 start_pc() {
     "$KVR_BIN_DIR/kvr-pc" --settings-dir "$SETTINGS_DIR" "$@" >>"$E2E_DIR/pc.log" 2>&1 &
-    PC_PID=$!
-    E2E_PIDS+=($PC_PID)
+    PC_PID=$! && E2E_PIDS+=($PC_PID)
 }
 
 # window_id NAME-REGEX: the first visible window whose title matches.
-window_id() {
-    xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1
-}
+window_id() { xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1; }
 
-has_window() {
-    [ -n "$(window_id "$1")" ]
-}
+has_window() { [ -n "$(window_id "$1")" ]; }
 
 visible_windows() {
     local wid
-    for wid in $(xdotool search --onlyvisible --name . 2>/dev/null); do
-        printf '%s|' "$(xdotool getwindowname "$wid" 2>/dev/null)"
-    done
+    for wid in $(xdotool search --onlyvisible --name . 2>/dev/null); do printf '%s|' "$(xdotool getwindowname "$wid")"; done
 }
 
 # wait_window SECONDS NAME-REGEX: waits for the window; prints its id.
@@ -95,36 +78,18 @@ wait_window() {
     window_id "$name"
 }
 
+activate() { xdotool windowactivate --sync "$1" 2>/dev/null || xdotool windowfocus --sync "$1"; }
 # keys WINDOW KEY...: activates the window, then presses the keys in it.
 # --clearmodifiers: the Caps Lock option locks the keyboard's Caps Lock.
-keys() {
-    local wid=$1
-    shift
-    xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
-    xdotool key --clearmodifiers --delay 40 "$@"
-}
-
+keys() { activate "$1" && shift && xdotool key --clearmodifiers --delay 40 "$@"; }
 # type_text WINDOW TEXT: types into the focused window.
-type_text() {
-    local wid=$1
-    shift
-    xdotool windowactivate --sync "$wid" 2>/dev/null || xdotool windowfocus --sync "$wid"
-    xdotool type --clearmodifiers --delay 30 "$*"
-}
+type_text() { activate "$1" && shift && xdotool type --clearmodifiers --delay 30 "$*"; }
 
-screenshot() {
-    local file="$E2E_SHOTS/$E2E_NAME-$1.png"
-    import -window root "$file" 2>/dev/null && echo "screenshot: $file"
-}
+screenshot() { import -window root "$E2E_SHOTS/$E2E_NAME-$1.png" 2>/dev/null && echo "screenshot: $E2E_SHOTS/$E2E_NAME-$1.png"; }
 
 # wait_exit SECONDS PID: waits for the process to end.
-process_gone() {
-    ! kill -0 "$1" 2>/dev/null
-}
-
-wait_exit() {
-    wait_until "$1" process_gone "$2"
-}
+process_gone() { ! kill -0 "$1" 2>/dev/null; }
+wait_exit() { wait_until "$1" process_gone "$2"; }
 
 # crlf FILE: writes standard input to FILE with CR LF line ends.
 crlf() { sed 's/$/\r/' > "$1"; }
@@ -151,23 +116,18 @@ answer_boxes() {
 # --log "$E2E_DIR/board.log", past the connect message and the board's
 # greeting; sets FRAME.
 start_connected() {
-    local log="$E2E_DIR/board.log" before deadline=$((SECONDS + 30))
+    local log="$E2E_DIR/board.log" before
     before=$(wc -l < "$log")
     start_pc --simulator "127.0.0.1:$BOARD_PORT" "$1"
     # The connect message shares its title with the frame's first caption:
-    # answer whatever carries that title until the frame says "connected".
-    FRAME=""
-    while [ -z "$FRAME" ]; do
-        [ $SECONDS -lt $deadline ] || fail "not connected; windows: $(visible_windows)"
-        answer_boxes
-        sleep 0.3
-        FRAME=$(window_id '^KVR-PC for Windows - .* - connected$') || true
-    done
-    # The caption says connected while the connect message may still be up.
+    # answer whatever carries that title until the frame says "connected"
+    # and the board has its start-up line.
     greeted() {
-        tail -n +$((before + 1)) "$log" | grep -q START && ! has_window '^KVR-PC for Windows$' && return 0
+        FRAME=$(window_id '^KVR-PC for Windows - .* - connected$')
+        [ -n "$FRAME" ] && tail -n +$((before + 1)) "$log" | grep -q START && ! has_window '^KVR-PC for Windows$' \
+            && return 0
         answer_boxes
         return 1
     }
-    wait_until 20 greeted || fail "board not greeted"
+    wait_until 30 greeted || fail "not connected and greeted; windows: $(visible_windows)"
 }

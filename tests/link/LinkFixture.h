@@ -6,8 +6,8 @@
 #include "app/ScriptedPrompts.h"
 #include "link/Link.h"
 #include "link/MemoryTransport.h"
+#include "link/Terminal.h"
 #include <QTemporaryDir>
-#include <memory>
 
 namespace kvr::test {
 
@@ -18,6 +18,7 @@ struct LinkFixture {
     AppContext context{Paths(dir.path()), prompts, clock};
     Link link{context};
     MemoryTransport board;
+    Terminal terminal{context, link};
 
     LinkFixture()
     {
@@ -31,6 +32,14 @@ struct LinkFixture {
     void AnswerOk()
     {
         board.SetResponder([](const QByteArray &line) { return line + " ok\r\n"; });
+    }
+    // Starts capturing to `name` in the scratch folder; its path.
+    QString StartCapture(const QString &name)
+    {
+        const QString path = dir.filePath(name);
+        prompts.fileNames.enqueue(path);
+        terminal.ToggleCapture();
+        return path;
     }
 };
 

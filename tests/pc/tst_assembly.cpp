@@ -6,7 +6,6 @@
 #include "app/StartUp.h"
 #include "app/ui/frmMDI.h"
 #include "pc/MainAssembly.h"
-#include "words/ui/frmWords.h"
 #include <QAction>
 #include <QListWidget>
 #include <QRegularExpression>
@@ -23,7 +22,6 @@ private slots:
     {
         QTest::addColumn<QString>("type");
         QTest::addColumn<QString>("delay");
-        QTest::newRow("ANS, whole lines") << "4410ANS" << "0";
         QTest::newRow("ANS, paced characters") << "4410ANS" << "200";
         QTest::newRow("Fig 6630") << "6630Fig" << "0";
     }
@@ -32,9 +30,7 @@ private slots:
         QFETCH(QString, type);
         QFETCH(QString, delay);
         test::BoardRunner board;
-        QVERIFY2(board.Start({QStringLiteral("--type"), type, QStringLiteral("--port"), QStringLiteral("0"),
-                              QStringLiteral("--no-heartbeat")}),
-                 qPrintable(board.Failure()));
+        QVERIFY2(board.Start({"--type", type, "--port", "0", "--no-heartbeat"}), qPrintable(board.Failure()));
 
         QTemporaryDir dir;
         const QString source = dir.filePath(QStringLiteral("Demo.kvr"));
@@ -76,80 +72,13 @@ private slots:
         // Every reply belongs to its own line: the board's end address is
         // read from the reply to the last command, not from a stale one.
         auto *list = frame.findChild<QListWidget *>(QStringLiteral("List1"));
-        QVERIFY(list);
-        QVERIFY(list->count() >= 1);
+        QVERIFY(list && list->count() > 0);
         const QString last = list->item(list->count() - 1)->text();
         QVERIFY2(QRegularExpression(QStringLiteral("DEMO\\.KVR - FINISHED at [0-9A-F]{4}$")).match(last).hasMatch(),
                  qPrintable(last));
         QCOMPARE(context.compileOutcome, CompileOutcome::Running);
         QCOMPARE(prompts.MessageTexts().size(), 1);
         frame.SetCloseGuard({});
-    }
-
-    void frameMenusOpenTheWordsWindow_data()
-    {
-        QTest::addColumn<QString>("type");
-        QTest::newRow("plain terminal: nothing") << QStringLiteral("Terminal");
-        QTest::newRow("ROM words of the board") << QStringLiteral("6630Fig");
-    }
-    void frameMenusOpenTheWordsWindow()
-    {
-        QFETCH(QString, type);
-        const bool shown = type != QLatin1String("Terminal");
-        QTemporaryDir dir;
-        ScriptedPrompts prompts;
-        SystemClock clock;
-        const Paths paths(dir.filePath(QStringLiteral("settings")));
-        paths.Prepare();
-        AppContext context(paths, prompts, clock);
-        context.settings.computerType = type;
-        frmMDI frame(context);
-        MainAssembly assembly(context, frame, PcCommandLine{});
-        frame.show();
-        frame.Item(QStringLiteral("mnuMWords"))->trigger();
-        auto *words = frame.findChild<frmWords *>();
-        QCOMPARE(words->isVisible(), shown);
-        const QString database = context.settings.wordsDatabase;
-        QCOMPARE(database.endsWith(QStringLiteral("W6630Fig.MDB")), shown);
-        QCOMPARE(words->findChild<QListWidget *>()->findItems(QStringLiteral(" DUP        "), Qt::MatchExactly).size(),
-                 shown ? 1 : 0);
-        // The chooser, cancelled, changes nothing.
-        frame.Item(QStringLiteral("mnuDView"))->trigger();
-        QCOMPARE(std::count_if(prompts.shown.cbegin(), prompts.shown.cend(),
-                               [](const RecordedPrompt &box) { return box.caption == QLatin1String("Choose Forth words database"); }),
-                 shown ? 1 : 0);
-        QCOMPARE(context.settings.wordsDatabase, database);
-    }
-
-    void failedSerialPortShowsThePortTheSettingsHold_data()
-    {
-        QTest::addColumn<bool>("atStart");
-        QTest::newRow("at start") << true;
-        QTest::newRow("chosen from the menu") << false;
-    }
-    void failedSerialPortShowsThePortTheSettingsHold()
-    {
-        QFETCH(bool, atStart);
-        QTemporaryDir dir;
-        test::WriteAll(dir.filePath(QStringLiteral("settings/KVR-PC.INI")),
-                       "[Parameters]\r\nCommunications port=" + QByteArray(atStart ? "COM9" : "COM7")
-                           + "\r\nOpening dialogue=OFF\r\nIntercharacter delay - KVR4410=0\r\n"
-                             "[Serial devices]\r\nCOM7=/dev/null\r\nCOM9=/nonexistent/tty\r\n");
-        ScriptedPrompts prompts;
-        SystemClock clock;
-        AppContext context(Paths(dir.filePath(QStringLiteral("settings"))), prompts, clock);
-        QCOMPARE(StartUp(context, {}), StartUpResult::Continue);
-        frmMDI frame(context);
-        MainAssembly assembly(context, frame, PcCommandLine{});
-        frame.show();
-        assembly.Start();
-        if (!atStart)
-            frame.Item(QStringLiteral("mnuOP(9)"))->trigger();
-        const QString port = context.settings.commPort;
-        QCOMPARE(port, atStart ? QStringLiteral("COM1") : QStringLiteral("COM9"));
-        for (int n = 0; n <= 20; ++n)
-            QCOMPARE(frame.Item(QStringLiteral("mnuOP(%1)").arg(n))->isChecked(), QStringLiteral("COM%1").arg(n) == port);
-        QVERIFY2(frame.windowTitle().endsWith(QStringLiteral(" - ") + port), qPrintable(frame.windowTitle()));
     }
 };
 
