@@ -8,8 +8,12 @@ namespace kvr::test {
 
 BoardRunner::~BoardRunner()
 {
-    m_process.kill();
-    m_process.waitForFinished(2000);
+    // SIGTERM lets the board remove its temporary folders; a kill would leave one behind.
+    m_process.terminate();
+    if (!m_process.waitForFinished(5000)) {
+        m_process.kill();
+        m_process.waitForFinished(2000);
+    }
 }
 
 std::unique_ptr<WireClient> BoardRunner::StartConnected(const QString &type, const QStringList &extra)
