@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# kvr upload and kvr reflash against the simulated board: on every board
+# kvr upload and kvr reflash against the simulated board: on each board
 # type a compiled example uploaded as S-records and as Intel hex, each
 # checked by a parser of the test's own against the board's memory; a
 # KVR4410F re-flashed and its flash found after a restart; a bad S-record
@@ -23,16 +23,20 @@ on() {
 }
 
 # The forget line has the type's offset and takes the upload program away.
-for entry in "4410ANS 3C00 2 SQUARES" "4410Fig 2E00 4 FIGLIST" "6630Fig B400 4 FIGLIST" "4410F 3C00 2 SQUARES"; do
-    read -r type start offset program <<<"$entry"
-    pctype=${type/4410F/4410ANS}
-    on "$type" --flash "$work/flash.bin"
+# (The window's journey uploads both formats from a 4410 ANS board.)
+for entry in "4410Fig 2E00 4 FIGLIST srec ihex" "6630Fig B400 4 FIGLIST srec ihex" "4410F 3C00 2 SQUARES srec"; do
+    read -r type start offset program formats <<<"$entry"
+    pctype=$type
+    [ "$type" = 4410F ] && pctype=4410ANS
+    flash=()
+    [ "$type" = 4410F ] && flash=(--flash "$work/flash.bin")
+    on "$type" "${flash[@]}"
     end=$(kvr compile "$work/$program.KVR" --type "$pctype" | sed -n 's/.* - FINISHED at \([0-9A-F]*\)$/\1/p')
     [ -n "$end" ] || fail "$program.KVR did not compile on $type"
     board_bytes "$port" "$start" "$end" >"$work/memory"
     expect_eq "$(wc -l <"$work/memory")" $((16#$end - 16#$start)) "bytes read with C@ on $type"
     here=$(board_line "$port" "BASE @ HEX HERE U. BASE !")
-    for format in srec ihex; do
+    for format in $formats; do
         out=$(kvr upload "$work/$type" --start "$start" --end "$end" --type "$pctype" --format "$format" 2>&1)
         expect_eq "$?" 0 "$type $format upload"
         file=$work/$type.MOT
@@ -69,7 +73,7 @@ done
 kvr reflash "$work/4410F.MOT" --type 6630Fig >/dev/null 2>&1
 expect_eq "$?" 3 "reflash on a 6630"
 stop_board
-on 4410ANS --baud 9600
+on 4410ANS --baud 57600
 kvr upload "$work/cut" --start 8000 --end C000 >/dev/null 2>"$work/cut.err" &
 upload_pid=$!
 for _ in $(seq 1 300); do [ -s "$work/cut.MOT" ] && break; sleep 0.05; done
