@@ -5,47 +5,32 @@
 # checksum, addresses contiguous from START, end record last) and prints
 # the data bytes in hexadecimal, one per line. Fails naming the line.
 parse_image() {
-    local file=$1 format=$2 next=$((16#$3)) n=0 ended=0 line body i sum count address kind
-    while IFS= read -r line || [ -n "$line" ]; do
-        n=$((n + 1))
-        line=${line%$'\r'}
-        [ -z "$line" ] && continue
-        [ "$ended" = 0 ] || { echo "$file line $n: after the end record" >&2; return 1; }
-        if [ "$format" = srec ]; then
-            [[ $line =~ ^S([0-9])([0-9A-F]+)$ ]] || { echo "$file line $n: not an S-record: $line" >&2; return 1; }
-            kind=S${BASH_REMATCH[1]}
-            body=${BASH_REMATCH[2]}
-        else
-            [[ $line =~ ^:([0-9A-F]+)$ ]] || { echo "$file line $n: not an Intel hex record: $line" >&2; return 1; }
-            body=${BASH_REMATCH[1]}
-            kind=I${body:6:2}
-        fi
-        count=$((16#${body:0:2}))
-        local want=$(((count + 1) * 2))
-        [ "$format" = ihex ] && want=$(((count + 5) * 2))
-        [ ${#body} -eq "$want" ] || { echo "$file line $n: length disagrees with the count" >&2; return 1; }
-        sum=0
-        for ((i = 0; i < ${#body}; i += 2)); do sum=$((sum + 16#${body:i:2})); done
-        if [ "$format" = srec ]; then
-            [ $((sum & 255)) -eq 255 ] || { echo "$file line $n: bad checksum" >&2; return 1; }
-        else
-            [ $((sum & 255)) -eq 0 ] || { echo "$file line $n: bad checksum" >&2; return 1; }
-        fi
-        address=$((16#${body:2:4}))
-        case $kind in
-        S1 | I00)
-            [ "$address" -eq "$next" ] || { echo "$file line $n: address $address, not $next" >&2; return 1; }
-            local first=6 size=$((count - 3))
-            [ "$format" = ihex ] && first=8 size=$count
-            for ((i = 0; i < size; i++)); do echo "${body:first+2*i:2}"; done
-            next=$((next + size))
-            ;;
-        S9 | I01) ended=1 ;;
-        S0 | S5) ;;
-        *) echo "$file line $n: record $kind" >&2; return 1 ;;
-        esac
-    done <"$file"
-    [ "$ended" = 1 ] || { echo "$file: no end record" >&2; return 1; }
+    python3 - "$@" <<'PY'
+import sys
+path, form, next_address = sys.argv[1], sys.argv[2], int(sys.argv[3], 16)
+ended = False
+for n, line in enumerate(open(path, newline="").read().splitlines(), 1):
+    if not line:
+        continue
+    try:
+        assert not ended, "after the end record"
+        assert line[0] == ("S" if form == "srec" else ":"), "not a record"
+        b = bytes.fromhex(line[2:] if form == "srec" else line[1:])
+        kind = line[1] if form == "srec" else "19"[b[3]] if b[3] < 2 else "?"
+        assert len(b) == b[0] + (1 if form == "srec" else 5), "length disagrees with the count"
+        assert sum(b) & 255 == (255 if form == "srec" else 0), "bad checksum"
+        assert kind in "0159", "record type " + kind
+        if kind == "1":
+            assert b[1] * 256 + b[2] == next_address, "address not contiguous"
+            data = b[3:-1] if form == "srec" else b[4:-1]
+            print("\n".join("%02X" % x for x in data))
+            next_address += len(data)
+        ended = kind == "9"
+    except (AssertionError, ValueError, IndexError) as fault:
+        sys.exit("%s line %d: %s: %s" % (path, n, fault, line))
+if not ended:
+    sys.exit(path + ": no end record")
+PY
 }
 
 # board_line PORT LINE: sends LINE to the board, prints its reply line.
