@@ -35,28 +35,17 @@ public:
     QList<bool> timerStates, progressStates;
     QByteArray shown;
     QString progressText;
-    int capacity = 3;
-    int interrupts = 0;
+    int capacity = 3, interrupts = 0;
 };
 
 // The in-memory board, with a hook where a real TCP link yields to the
 // event loop (keys such as F2 are handled there).
-class YieldingTransport : public MemoryTransport {
-public:
+struct YieldingTransport : MemoryTransport {
     std::function<void()> beforeCount;
-
-protected:
-    void BeforeCount() override
-    {
-        if (beforeCount)
-            beforeCount();
-    }
+    void BeforeCount() override { beforeCount ? beforeCount() : void(); }
 };
 
-struct FakeWindow {
-    QString caption, text;
-    int selStart = 0, selLength = 0;
-};
+struct FakeWindow { QString caption, text; int selStart = 0, selLength = 0; };
 
 using ShownLines = QList<QPair<QString, int>>;
 
@@ -67,27 +56,17 @@ public:
     QString Text(int index) const override { return windows.value(index).text; }
     int SelStart(int index) const override { return windows.value(index).selStart; }
     int SelLength(int index) const override { return windows.value(index).selLength; }
-    void Select(int index, int start, int length) override
-    {
-        windows[index].selStart = start;
-        windows[index].selLength = length;
-    }
+    void Select(int index, int start, int length) override { windows[index].selStart = start, windows[index].selLength = length; }
     void OpenFile(const QString &name) override { opened.append(name); }
-    void LoadFile(const QString &name) override
-    {
-        loaded.append(name);
-        windows.insert(windows.size() + 1, {LogicalName(name), {}});
-    }
+    void LoadFile(const QString &name) override { loaded.append(name), windows.insert(windows.size() + 1, {LogicalName(name)}); }
     void SaveBeforeCompile(int index) override { savedFrom.append(index); }
     bool ShowLine(const QString &caption, int lineNumber) override
     {
-        for (auto it = windows.cbegin(); it != windows.cend(); ++it)
-            if (LogicalName(it->caption) == LogicalName(caption)) {
-                active = it.key();
-                shownLines.append({it->caption, lineNumber});
-                return true;
-            }
-        return false;
+        const auto it = std::find_if(windows.cbegin(), windows.cend(),
+                                     [&](const FakeWindow &w) { return LogicalName(w.caption) == LogicalName(caption); });
+        if (it != windows.cend())
+            active = it.key(), shownLines.append({it->caption, lineNumber});
+        return it != windows.cend();
     }
     QList<int> OpenIndexes() const override { return windows.keys(); }
 
@@ -111,8 +90,7 @@ struct ScriptedBoard {
 
     QByteArray operator()(const QByteArray &line)
     {
-        if (onLine)
-            onLine(line);
+        onLine ? onLine(line) : void();
         if (replies.contains(line))
             return replies.value(line);
         if (line == "BASE @ HEX HERE U. BASE !")
@@ -138,13 +116,11 @@ struct CompileFixture {
     CompileFixture()
     {
         clock.stepPerReading = 1;
-        paths = std::make_unique<Paths>(dir.path() + QStringLiteral("/settings"));
-        paths->Prepare();
+        (paths = std::make_unique<Paths>(dir.filePath(QStringLiteral("settings"))))->Prepare();
         context = std::make_unique<AppContext>(*paths, prompts, clock);
         context->settings.timeout = QStringLiteral("1000");
         context->settings.delay4410 = QStringLiteral("0");
-        link = std::make_unique<Link>(*context);
-        link->SetTransport(&transport);
+        (link = std::make_unique<Link>(*context))->SetTransport(&transport);
         transport.SetResponder([this](const QByteArray &line) { return board(line); });
         report = std::make_unique<CompileReport>(*context);
         driver = std::make_unique<CompileDriver>(*context, *link, &terminal, &editor, *report);
@@ -159,11 +135,17 @@ struct CompileFixture {
         return path;
     }
 
-    // Files as name, text pairs ("\n" between lines); compiles the first.
+    // Files as name, text pairs ("\n" between lines).
+    void WriteFiles(const QStringList &files)
+    {
+        for (qsizetype i = 0; i + 1 < files.size(); i += 2)
+            Write(files[i], files[i + 1].split(QLatin1Char('\n')));
+    }
+
+    // Writes the files and compiles the first.
     QString Compile(const QStringList &files)
     {
-        for (qsizetype i = files.size() - 2; i >= 0; i -= 2)
-            Write(files[i], files[i + 1].split(QLatin1Char('\n')));
+        WriteFiles(files);
         const QString main = dir.filePath(files.first());
         driver->CompileFile(main);
         return main;
@@ -174,14 +156,8 @@ struct CompileFixture {
     {
         QStringList result;
         for (const QByteArray &line : transport.lines)
-            if (line != "BASE @ HEX HERE U. BASE !")
-                result.append(QString::fromLatin1(line));
+            line != "BASE @ HEX HERE U. BASE !" ? result.append(QString::fromLatin1(line)) : void();
         return result;
-    }
-
-    QString Prefix(const QString &file, int line) const
-    {
-        return ShortenPath(file) + QStringLiteral(" - line ") + QString::number(line);
     }
 
     // "@NAME 3: X" is the report line of line 3 of NAME below the temporary
@@ -192,9 +168,8 @@ struct CompileFixture {
         const QRegularExpressionMatch m = at.match(line);
         if (!m.hasMatch())
             return line;
-        const QString file = dir.filePath(m.captured(1));
-        return (m.captured(3).isEmpty() ? ShortenPath(file) : Prefix(file, m.captured(3).toInt()))
-               + line.mid(m.capturedEnd());
+        const QString number = m.captured(3).isEmpty() ? QString() : " - line " + m.captured(3);
+        return ShortenPath(dir.filePath(m.captured(1))) + number + line.mid(m.capturedEnd());
     }
 };
 

@@ -48,7 +48,6 @@ wait_until 5 editor_active || fail "editor window not brought forward"
 keys "$FRAME" ctrl+End
 type_text "$FRAME" "$(printf 'A%.0s' $(seq 1 81))"
 box=$(wait_window 10 '^KVR-PC for Windows$')
-screenshot long-line
 keys "$box" Return
 wait_until 10 eval '! has_window "^KVR-PC for Windows\$"' || fail "long-line box did not close"
 xdotool key --clearmodifiers --repeat 81 --delay 5 BackSpace
@@ -61,7 +60,6 @@ wait_until 10 eval '[ "$(saved 8)" == FIN ]' || fail "program not saved: $(cat -
 # F8: the board refuses a word of the library, which opens at that line.
 keys "$FRAME" F8
 wait_until 20 grep -qF "RecentFile1=$(upper "$src/SUB/LIB.KVR")" "$ini" || fail "library not opened: $(cat "$ini")"
-screenshot board-error
 grep -q "NO-SUCH-WORD" "$E2E_DIR/board.log" && fail "a skipped line reached the board"
 grep -q "^: FIN " "$E2E_DIR/board.log" && fail "compile went on after the error"
 grep -q "$end_question" "$E2E_DIR/board.log" && fail "error compile asked for HERE"
@@ -69,7 +67,6 @@ grep -q "$end_question" "$E2E_DIR/board.log" && fail "error compile asked for HE
 type_text "$FRAME" ": LIB-B LIB-A 2 ;"
 keys "$FRAME" ctrl+s ctrl+F4 F8
 wait_until 20 grep -q "$end_question" "$E2E_DIR/board.log" || fail "fixed program did not finish: $(cat "$E2E_DIR/board.log")"
-screenshot finished
 [ "$(tr -d '\r' < "$src/SUB/LIB.KVR" | sed -n 2p)" == ": LIB-B LIB-A 2 ;" ] \
     || fail "the failing line was not the selection: $(cat -A "$src/SUB/LIB.KVR")"
 expect=$(printf ': IO-WORD 3 ;\n: LIB-A 1 ;\n: LIB-B LIB-A 2 ;\n: FIN LIB-B IO-WORD + DROP ;\nFIN')
