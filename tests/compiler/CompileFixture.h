@@ -14,6 +14,7 @@
 #include "TempDir.h"
 #include "TestClock.h"
 #include <QMap>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -24,42 +25,29 @@ public:
     void SetInputTimerEnabled(bool enabled) override { timerStates.append(enabled); }
     void ShowBytes(const QByteArray &bytes) override { shown += bytes; }
     void ClearScreen() override {}
-    void BringForward() override { ++broughtForward; }
+    void BringForward() override {}
     void SetProgressVisible(bool visible) override { progressStates.append(visible); }
     int ProgressCapacity() const override { return capacity; }
     QString ProgressText() const override { return progressText; }
     void SetProgressText(const QString &text) override { progressText = text; }
     void SendInterrupt() override { ++interrupts; }
 
-    QList<bool> timerStates;
-    QList<bool> progressStates;
+    QList<bool> timerStates, progressStates;
     QByteArray shown;
     QString progressText;
-    int capacity = 3;
-    int broughtForward = 0;
-    int interrupts = 0;
+    int capacity = 3, interrupts = 0;
 };
 
 // The in-memory board, with a hook where a real TCP link yields to the
 // event loop (keys such as F2 are handled there).
-class YieldingTransport : public MemoryTransport {
-public:
+struct YieldingTransport : MemoryTransport {
     std::function<void()> beforeCount;
-
-protected:
-    void BeforeCount() override
-    {
-        if (beforeCount)
-            beforeCount();
-    }
+    void BeforeCount() override { beforeCount ? beforeCount() : void(); }
 };
 
-struct FakeWindow {
-    QString caption;
-    QString text;
-    int selStart = 0;
-    int selLength = 0;
-};
+struct FakeWindow { QString caption, text; int selStart = 0, selLength = 0; };
+
+using ShownLines = QList<QPair<QString, int>>;
 
 class FakeEditor : public EditorHost {
 public:
@@ -68,56 +56,33 @@ public:
     QString Text(int index) const override { return windows.value(index).text; }
     int SelStart(int index) const override { return windows.value(index).selStart; }
     int SelLength(int index) const override { return windows.value(index).selLength; }
-    void Select(int index, int start, int length) override
-    {
-        windows[index].selStart = start;
-        windows[index].selLength = length;
-    }
-    void OpenFile(const QString &name) override
-    {
-        opened.append(name);
-        for (const FakeWindow &window : std::as_const(windows))
-            if (window.caption == LogicalName(name))
-                return;
-        if (loadCreatesWindow)
-            windows.insert(windows.size() + 1, {LogicalName(name), loadText, 0, 0});
-    }
-    void LoadFile(const QString &name) override
-    {
-        loaded.append(name);
-        if (loadCreatesWindow)
-            windows.insert(windows.size() + 1, {LogicalName(name), loadText, 0, 0});
-    }
+    void Select(int index, int start, int length) override { windows[index].selStart = start, windows[index].selLength = length; }
+    void OpenFile(const QString &name) override { opened.append(name); }
+    void LoadFile(const QString &name) override { loaded.append(name), windows.insert(windows.size() + 1, {LogicalName(name)}); }
     void SaveBeforeCompile(int index) override { savedFrom.append(index); }
     bool ShowLine(const QString &caption, int lineNumber) override
     {
-        for (auto it = windows.cbegin(); it != windows.cend(); ++it) {
-            if (LogicalName(it->caption) == LogicalName(caption)) {
-                active = it.key();
-                shownLines.append({it->caption, lineNumber});
-                return true;
-            }
-        }
-        return false;
+        const auto it = std::find_if(windows.cbegin(), windows.cend(),
+                                     [&](const FakeWindow &w) { return LogicalName(w.caption) == LogicalName(caption); });
+        if (it != windows.cend())
+            active = it.key(), shownLines.append({it->caption, lineNumber});
+        return it != windows.cend();
     }
     QList<int> OpenIndexes() const override { return windows.keys(); }
 
     QMap<int, FakeWindow> windows;
     int active = 0;
-    QStringList opened;
-    QStringList loaded;
+    QStringList opened, loaded;
     QList<int> savedFrom;
-    QList<QPair<QString, int>> shownLines;
-    bool loadCreatesWindow = false;
-    QString loadText;
+    ShownLines shownLines;
 };
 
 // The simulated board's answers: the echo, then " ok"; scripted replies by
-// line; "BASE @ HEX HERE U. BASE !" answers with `here`.
+// line (an empty one is no answer at all); the end-of-program question
+// answers with `here`.
 struct ScriptedBoard {
-    QMap<QByteArray, QByteArray> replies; // line -> whole reply (no echo added)
+    QMap<QByteArray, QByteArray> replies;
     QByteArray here = "1A2B";
-    QList<QByteArray> silent;             // lines that get no answer
     std::function<void(const QByteArray &)> onLine;
 
     // A line that is only `word`, which the board does not know.
@@ -125,14 +90,11 @@ struct ScriptedBoard {
 
     QByteArray operator()(const QByteArray &line)
     {
-        if (onLine)
-            onLine(line);
-        if (silent.contains(line))
-            return {};
+        onLine ? onLine(line) : void();
         if (replies.contains(line))
             return replies.value(line);
         if (line == "BASE @ HEX HERE U. BASE !")
-            return line + " " + here + "  ok\r\n";
+            return here.isNull() ? QByteArray() : line + " " + here + "  ok\r\n";
         return line + "  ok\r\n";
     }
 };
@@ -154,13 +116,11 @@ struct CompileFixture {
     CompileFixture()
     {
         clock.stepPerReading = 1;
-        paths = std::make_unique<Paths>(dir.path() + QStringLiteral("/settings"));
-        paths->Prepare();
+        (paths = std::make_unique<Paths>(dir.filePath(QStringLiteral("settings"))))->Prepare();
         context = std::make_unique<AppContext>(*paths, prompts, clock);
         context->settings.timeout = QStringLiteral("1000");
-        link = std::make_unique<Link>(*context);
         context->settings.delay4410 = QStringLiteral("0");
-        link->SetTransport(&transport);
+        (link = std::make_unique<Link>(*context))->SetTransport(&transport);
         transport.SetResponder([this](const QByteArray &line) { return board(line); });
         report = std::make_unique<CompileReport>(*context);
         driver = std::make_unique<CompileDriver>(*context, *link, &terminal, &editor, *report);
@@ -169,12 +129,26 @@ struct CompileFixture {
     // Writes a source file (lines joined with CR LF) below the temporary folder.
     QString Write(const QString &relative, const QStringList &lines)
     {
-        const QString path = dir.path() + QLatin1Char('/') + relative;
+        const QString path = dir.filePath(relative);
         QDir().mkpath(QFileInfo(path).absolutePath());
-        QFile file(path);
-        file.open(QIODevice::WriteOnly);
-        file.write((lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")).toLatin1());
+        WriteAll(path, (lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")).toLatin1());
         return path;
+    }
+
+    // Files as name, text pairs ("\n" between lines).
+    void WriteFiles(const QStringList &files)
+    {
+        for (qsizetype i = 0; i + 1 < files.size(); i += 2)
+            Write(files[i], files[i + 1].split(QLatin1Char('\n')));
+    }
+
+    // Writes the files and compiles the first.
+    QString Compile(const QStringList &files)
+    {
+        WriteFiles(files);
+        const QString main = dir.filePath(files.first());
+        driver->CompileFile(main);
+        return main;
     }
 
     // Lines the board received, without the end-of-program question.
@@ -182,14 +156,20 @@ struct CompileFixture {
     {
         QStringList result;
         for (const QByteArray &line : transport.lines)
-            if (line != "BASE @ HEX HERE U. BASE !")
-                result.append(QString::fromLatin1(line));
+            line != "BASE @ HEX HERE U. BASE !" ? result.append(QString::fromLatin1(line)) : void();
         return result;
     }
 
-    QString Prefix(const QString &file, int line) const
+    // "@NAME 3: X" is the report line of line 3 of NAME below the temporary
+    // folder; "@NAME - FINISHED" its end.
+    QString Expand(const QString &line) const
     {
-        return ShortenPath(file) + QStringLiteral(" - line ") + QString::number(line);
+        static const QRegularExpression at(QStringLiteral("^@(\\S+)( (\\d+))?"));
+        const QRegularExpressionMatch m = at.match(line);
+        if (!m.hasMatch())
+            return line;
+        const QString number = m.captured(3).isEmpty() ? QString() : " - line " + m.captured(3);
+        return ShortenPath(dir.filePath(m.captured(1))) + number + line.mid(m.capturedEnd());
     }
 };
 
