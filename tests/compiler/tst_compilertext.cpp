@@ -218,6 +218,7 @@ void TestCompilerText::TextRules_data()
     row("error line: 12", "errline", "/W/APP.KVR - line 12: FOO ?  - not found", "12");
     row("error line: 1234 reads three digits", "errline", "/W/APP.KVR - line 1234: X ?  - y", "123");
     row("error line: none", "errline", "HALTED COMPILE WITH F2", "0");
+    row("error line: a folder holding \"line\"", "errline", "/home/caroline/APP.KVR - line 7: X ?  - y", "7");
     const QString defs = QStringLiteral("|: A 1 ;\r\n: B 2 ;\r\n  : C ;\r\nX");
     row("last definition: in the first, whole text", "lastdef", "3" + defs, "0");
     row("last definition: in the second", "lastdef", "12" + defs, "9");
