@@ -32,8 +32,8 @@ bool BoardRunner::Start(const QStringList &args)
     m_process.setArguments(args);
     m_process.start();
     for (QDeadlineTimer deadline(10000); !m_process.canReadLine();) {
-        if (deadline.hasExpired() || !m_process.waitForReadyRead(int(qMax<qint64>(1, deadline.remainingTime())))
-                && m_process.state() == QProcess::NotRunning) {
+        if (deadline.hasExpired() || (!m_process.waitForReadyRead(int(qMax<qint64>(1, deadline.remainingTime())))
+                                      && m_process.state() == QProcess::NotRunning)) {
             m_failure = QStringLiteral("no ready line: %1; stderr: %2")
                             .arg(m_process.errorString(), QString::fromLocal8Bit(m_process.readAllStandardError()));
             return false;

@@ -48,8 +48,8 @@ QByteArray WireClient::ReadLine(int timeoutMs)
         pollfd entry{m_fd, POLLIN, 0};
         char chunk[4096];
         ssize_t count = 0;
-        if (deadline.hasExpired() || ::poll(&entry, 1, int(qMax<qint64>(1, deadline.remainingTime()))) > 0
-                && (count = ::read(m_fd, chunk, sizeof chunk)) <= 0)
+        if (deadline.hasExpired() || (::poll(&entry, 1, int(qMax<qint64>(1, deadline.remainingTime()))) > 0
+                                      && (count = ::read(m_fd, chunk, sizeof chunk)) <= 0))
             return QByteArray(); // time-out or the end of the connection
         m_buffer.append(chunk, count);
     }
