@@ -11,6 +11,7 @@
 #include "compiler/SourceFiles.h"
 #include "compiler/SourceText.h"
 #include "compiler/Unravel.h"
+#include "DataTable.h"
 #include "TempDir.h"
 #include "TestClock.h"
 #include <QtTest>
@@ -194,12 +195,8 @@ void TestCompilerText::EvaluateDirective()
 // Each row: a rule, its input ("|" parts several arguments) and the result.
 void TestCompilerText::TextRules_data()
 {
-    QTest::addColumn<QString>("rule");
-    QTest::addColumn<QString>("input");
-    QTest::addColumn<QString>("expected");
-    auto row = [](const char *name, const char *rule, const QString &in, const QString &out) {
-        QTest::newRow(name) << QString::fromLatin1(rule) << in << out;
-    };
+    Columns<QString, QString, QString>({"rule", "input", "expected"});
+    const auto row = RuleRow;
     row("compact: definition with comment", "compact", ": SQ  DUP *  ;  \\ square", ": SQ DUP * ;");
     row("compact: blanks inside quotes kept", "compact", ".\" A  ( B )\"   CR  X", ".\" A  ( B )\" CR X");
     row("compact: backslash first empties", "compact", "\\ comment", "");

@@ -78,9 +78,7 @@ private slots:
     void textRules_data()
     {
         Columns<QString, QString, QString>({"rule", "input", "expected"});
-        const auto row = [](const char *name, const char *rule, const QString &in, const QString &out) {
-            QTest::newRow(name) << QString::fromLatin1(rule) << in << out;
-        };
+        const auto row = RuleRow;
         // "line": '|' marks the position; start and length of its line.
         row("line of empty text", "line", "|", "0,0");
         row("line: first", "line", "AB|C\r\nDE", "0,3");
