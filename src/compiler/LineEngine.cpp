@@ -268,14 +268,16 @@ void LineEngine::BoardLine(QString line)
     const WaitGuard guard;
     for (;;) {
         complete = m_state.noDisplay ? m_receiver.ReceiveLineQuiet() : m_receiver.ReceiveLineShown();
-        if (complete)
-            break;
         // F2 handled while waiting (the TCP link yields here) sends the
         // interrupt, whose own wait takes this line's reply: stop at once
         // and let the halt test end the run, before the time-out is judged,
-        // as that wait may have outlasted it. Closing the program halts too.
+        // as that wait may have outlasted it. A reply complete by then may
+        // be the interrupt's own (" ; ?" outside a definition), not this
+        // line's: the halt wins. Closing the program halts too.
         if (m_context.compileOutcome == CompileOutcome::HaltRequested || m_context.closing)
             return;
+        if (complete)
+            break;
         const quint32 now = clock.TickCount();
         // A link that is down cannot answer: no use sitting out the time-out.
         if (!TickBefore(now, deadline) || !m_link.Usable())

@@ -46,6 +46,7 @@ class TestCompileRun : public QObject {
 private slots:
     void Runs_data();
     void Runs();
+    void HaltWithF2_data();
     void HaltWithF2();
     void ReceiveQuietAndShown();
     void Refusals_data();
@@ -173,12 +174,21 @@ void TestCompileRun::Runs()
         QCOMPARE(f.prompts.beeps, report.size() + 1);
 }
 
-// F2 while waiting for a reply that the interrupt took away: just the
-// halt, even when the interrupt's own waits outlast the line's time-out.
+// F2 while waiting for a reply: just the halt, even when the interrupt's
+// own waits outlast the line's time-out, and when what came is the
+// interrupt's own complaint about its " ;".
+void TestCompileRun::HaltWithF2_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::newRow("the interrupt took the reply away") << QByteArray();
+    QTest::newRow("the interrupt's \" ;\" answered") << QByteArray(" ; ?  - interpreting a compile-only word\r\n");
+}
+
 void TestCompileRun::HaltWithF2()
 {
+    QFETCH(QByteArray, reply);
     CompileFixture f;
-    f.board.replies.insert("2 DROP", {});
+    f.board.replies.insert("2 DROP", reply);
     f.context->settings.timeout = QStringLiteral("100000");
     quint32 haltedAt = 0;
     f.transport.beforeCount = [&f, &haltedAt] {
