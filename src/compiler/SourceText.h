@@ -22,7 +22,8 @@ QString IncludeName(const QString &line);
 QString ConditionWord(const QString &line);
 
 // The line number in a report line: three characters read five after the
-// first "line"; so line 1234 reads as 123. 0 when there is none.
+// "line" of the first " - line " (else the first "line"); so line 1234
+// reads as 123. 0 when there is none.
 int ErrorLineNumber(const QString &reportLine);
 
 // Leading and trailing blanks removed (blanks only, tabs stay).
